@@ -2,6 +2,7 @@
 // The session: every value the system keeps for the length of a run, cut into plain structs named
 // after what they hold. Operations take the session explicitly; there is no global state, so two
 // sessions can live in one process (a test per case, a search on a worker thread with its own).
+#include "engine/positions.h"
 #include "session/event.h"
 #include "session/text.h"
 
@@ -47,7 +48,8 @@ struct Session {
     EventStoreState event_store;
     ChartSettings chart;
     GlobalOptions options;
-    std::int16_t accuracy_level = 1; // 1 full, 2 medium, 3 low
+    std::int16_t accuracy_level = 1; // 1 full, 2 medium, 3 low: how many series terms are taken
+    EngineState engine;
     bool event_dirty = false;
 };
 
