@@ -8,6 +8,7 @@
 #include "session/fixed_tables.h"
 #include "session/session.h"
 
+#include <algorithm>
 #include <cmath>
 #include <span>
 
@@ -30,13 +31,12 @@ int group_end(const elp::ElpGroupEnds& ends, int level) {
     return ends.always;
 }
 
-template <std::size_t N>
-double elp_sum(const std::array<elp::ElpTerm, N>& terms, const elp::ElpGroupEnds& ends, int level,
+double elp_sum(std::span<const elp::ElpTerm> terms, const elp::ElpGroupEnds& ends, int level,
                const LunarTime& lt, bool cosine) {
-    const int n = group_end(ends, level);
+    const std::size_t n = std::min(terms.size(), static_cast<std::size_t>(group_end(ends, level)));
     double sum = 0;
-    for (int i = 0; i < n; ++i) {
-        const elp::ElpTerm& k = terms[static_cast<std::size_t>(i)];
+    for (std::size_t i = 0; i < n; ++i) {
+        const elp::ElpTerm& k = terms[i];
         const double arg =
             (k.c0 + k.c1 * lt.t + k.c2 * lt.t2 + k.c3 * lt.t3 + k.c4 * lt.t4) * deg_to_rad;
         sum += k.amp * (cosine ? std::cos(arg) : std::sin(arg));
