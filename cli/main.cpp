@@ -1,5 +1,6 @@
 // celestark-cli: the command-line face of the engine. CSV with a header line on stdout; errors on
 // stderr with a non-zero exit.
+#include "positions.h"
 #include "session/angles.h"
 #include "session/calendar.h"
 #include "session/event_time.h"
@@ -38,10 +39,7 @@ Args parse_args(int argc, char** argv, int first) {
     return a;
 }
 
-int fail(const std::string& message) {
-    std::fprintf(stderr, "celestark-cli: %s\n", message.c_str());
-    return 2;
-}
+using cli::fail;
 
 // Splits "a<sep>b<sep>c" where the first field may carry a leading minus (negative years).
 std::optional<std::vector<double>> split_numbers(const std::string& text, char sep,
@@ -117,9 +115,13 @@ int command_default_event() {
 }
 
 void usage() {
-    std::fprintf(stderr, "usage: celestark-cli COMMAND [options]\n"
-                         "  jd --date Y-M-D [--time h:m:s] [--cal G|J]\n"
-                         "  default-event\n");
+    std::fprintf(
+        stderr, "usage: celestark-cli COMMAND [options]\n"
+                "  jd --date Y-M-D [--time h:m:s] [--cal G|J]\n"
+                "  default-event\n"
+                "  positions (--jd JD | --tt JDE | --tt-list FILE) [--view geo|helio|lemni|tycho]\n"
+                "            [--level 1|2|3] [--actual] [--all-bodies]\n"
+                "  bench --moments N --step DAYS --level L [--what bodies|chart]\n");
 }
 
 } // namespace
@@ -133,6 +135,8 @@ int main(int argc, char** argv) {
     const Args args = parse_args(argc, argv, 2);
     if (command == "jd") return command_jd(args);
     if (command == "default-event") return command_default_event();
+    if (command == "positions") return cli::command_positions(args.options);
+    if (command == "bench") return cli::command_bench(args.options);
     usage();
     return fail("unknown command '" + command + "'");
 }

@@ -142,6 +142,9 @@ struct EngineState {
     // The heliocentric Earth of the last Sun calculation.
     double earth_long = 0, earth_lat = 0, earth_dist = 0;
 
+    // Whether the stored tables of Uranus, Neptune and Pluto answered for the last moment.
+    bool outer_planets_ok = false;
+
     // Lunar points, radians.
     double true_node = 0, mean_node = 0, true_perigee = 0, mean_perigee = 0;
 };

@@ -1,0 +1,51 @@
+// Microseconds per calculate_bodies_at (levels 1, 2, 3) and per calculate_chart, over moments
+// spread through the years so that no two calls see the same arguments.
+#include "engine/chart.h"
+#include "session/constants.h"
+#include "session/session.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using namespace celestark;
+
+Session bench_session(int level) {
+    Session s;
+    initialise_session(s, ".");
+    s.accuracy_level = static_cast<std::int16_t>(level);
+    s.chart.chiron = s.chart.asteroids = s.chart.quaoar = s.chart.sedna = 1;
+    return s;
+}
+
+void BM_calculate_bodies_at(benchmark::State& state) {
+    Session s = bench_session(static_cast<int>(state.range(0)));
+    double jd = j2000;
+    for (auto _ : state) {
+        calculate_bodies_at(s, jd);
+        benchmark::DoNotOptimize(s.engine.pos.geo_long[0]);
+        jd += 0.37;
+    }
+}
+BENCHMARK(BM_calculate_bodies_at)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMicrosecond);
+
+void BM_calculate_chart(benchmark::State& state) {
+    Session s = bench_session(1);
+    s.chart.moon_node = 1;
+    s.chart.moon_peri = 1;
+    EventRow& row = s.event_slots[slot::work];
+    row = make_default_event();
+    row[col::gj] = "G";
+    row[col::year] = "1990";
+    int i = 0;
+    for (auto _ : state) {
+        row[col::day] = std::to_string(1 + i % 28);
+        row[col::month] = std::to_string(1 + (i / 28) % 12);
+        calculate_chart(s, slot::work, state.range(0) != 0);
+        benchmark::DoNotOptimize(s.engine.pos.geo_long[0]);
+        ++i;
+    }
+}
+BENCHMARK(BM_calculate_chart)->Arg(0)->Arg(1)->ArgName("retrograde")->Unit(benchmark::kMicrosecond);
+
+} // namespace
