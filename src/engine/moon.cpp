@@ -1,5 +1,6 @@
 #include "engine/moon.h"
 
+#include "engine/fast_trig.h"
 #include "engine/series/elp_distance.h"
 #include "engine/series/elp_latitude.h"
 #include "engine/series/elp_longitude.h"
@@ -39,7 +40,8 @@ double elp_sum(std::span<const elp::ElpTerm> terms, const elp::ElpGroupEnds& end
         const elp::ElpTerm& k = terms[i];
         const double arg =
             (k.c0 + k.c1 * lt.t + k.c2 * lt.t2 + k.c3 * lt.t3 + k.c4 * lt.t4) * deg_to_rad;
-        sum += k.amp * (cosine ? std::cos(arg) : std::sin(arg));
+        const SinCos sc = sin_cos(arg);
+        sum += k.amp * (cosine ? sc.cos : sc.sin);
     }
     return sum;
 }

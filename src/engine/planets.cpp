@@ -1,5 +1,6 @@
 #include "engine/planets.h"
 
+#include "engine/fast_trig.h"
 #include "engine/series/vsop87_earth.h"
 #include "engine/series/vsop87_jupiter.h"
 #include "engine/series/vsop87_mars.h"
@@ -17,54 +18,125 @@ namespace celestark {
 
 namespace {
 
-double sum_series(const vsop87::VsopSeries& series, double tau, int level) {
+// A series sum with its first and second derivatives by tau.
+struct Sum3 {
+    double v = 0, d1 = 0, d2 = 0;
+};
+
+Sum3 sum_series(const vsop87::VsopSeries& series, double tau, int level) {
     const int n = vsop87::vsop_term_count(series.groups, level);
-    double sum = 0;
+    Sum3 s;
     for (int i = 0; i < n; ++i) {
         const vsop87::VsopTerm& t = series.terms[static_cast<std::size_t>(i)];
-        sum += t.a * std::cos(t.b + t.c * tau);
+        const SinCos sc = sin_cos(t.b + t.c * tau);
+        const double ac = t.a * sc.cos;
+        s.v += ac;
+        s.d1 -= t.a * t.c * sc.sin;
+        s.d2 -= ac * t.c * t.c;
     }
-    return sum;
+    return s;
 }
 
+// Sum of tau^k S_k(tau) by Horner's rule, carrying the derivatives along.
 template <std::size_t N>
-double sum_powers(const std::array<vsop87::VsopSeries, N>& series, double tau, int level) {
-    double sum = 0;
-    for (std::size_t k = N; k-- > 0;) sum = sum * tau + sum_series(series[k], tau, level);
-    return sum;
+Sum3 sum_powers(const std::array<vsop87::VsopSeries, N>& series, double tau, int level) {
+    Sum3 p;
+    for (std::size_t k = N; k-- > 0;) {
+        const Sum3 s = sum_series(series[k], tau, level);
+        p.d2 = 2 * p.d1 + tau * p.d2 + s.d2;
+        p.d1 = p.v + tau * p.d1 + s.d1;
+        p.v = tau * p.v + s.v;
+    }
+    return p;
 }
+
+SeriesRates evaluate_rates(const vsop87::VsopBody& body, double tau, int level) {
+    const Sum3 l = sum_powers(body.l, tau, level);
+    const Sum3 b = sum_powers(body.b, tau, level);
+    const Sum3 r = sum_powers(body.r, tau, level);
+    return {l.v, b.v, r.v, l.d1, b.d1, r.d1, l.d2, b.d2, r.d2};
+}
+
+// The body `dtau` millennia from the moment of `rates`.
+SphericalPosition position_at(const SeriesRates& k, double dtau, double zodiac_offset) {
+    const double h = dtau * dtau / 2;
+    SphericalPosition p;
+    p.longitude = norm_rad((k.l + k.l1 * dtau + k.l2 * h) / 1e8 + zodiac_offset);
+    p.latitude = (k.b + k.b1 * dtau + k.b2 * h) / 1e8;
+    p.radius = (k.r + k.r1 * dtau + k.r2 * h) / 1e8;
+    return p;
+}
+
+// A Taylor step is used within this many millennia of the evaluated moment (about a day); its
+// error there stays far below a thousandth of an arc second.
+constexpr double taylor_reach = 3e-6;
 
 // The constant of aberration, arc seconds at one astronomical unit.
 constexpr double aberration_constant = 20.4898;
+
+void store_earth(EngineState& e, const SphericalPosition& earth) {
+    e.earth_long = earth.longitude;
+    e.earth_lat = earth.latitude;
+    e.earth_dist = earth.radius;
+}
+
+// The Earth at tau: from the sums of the last Sun calculation when they are near enough, else anew.
+void earth_at(Session& s, double tau) {
+    EngineState& e = s.engine;
+    if (e.earth_rates_level != s.accuracy_level ||
+        std::fabs(tau - e.earth_rates_tau) > taylor_reach) {
+        e.earth_rates = evaluate_rates(vsop87::earth_series, tau, s.accuracy_level);
+        e.earth_rates_tau = tau;
+        e.earth_rates_level = s.accuracy_level;
+    }
+    store_earth(e, position_at(e.earth_rates, tau - e.earth_rates_tau, e.zodiac_offset));
+}
+
+void store_helio(PositionLists& p, int helio_index, const SphericalPosition& pos) {
+    const auto h = static_cast<std::size_t>(helio_index);
+    p.helio_long[h] = pos.longitude;
+    p.helio_lat[h] = pos.latitude;
+    p.helio_dist[h] = pos.radius;
+}
+
+void planet(Session& s, double jd, const vsop87::VsopBody& body, int helio_index) {
+    EngineState& e = s.engine;
+    const int geo_index = helio_index + 1;
+    const SeriesRates rates = evaluate_rates(body, e.time.tau, s.accuracy_level);
+    store_helio(e.pos, helio_index, position_at(rates, 0, e.zodiac_offset));
+    geocentric_from_helio(s, helio_index, geo_index);
+    if (s.options.actual_position) return;
+    // The planet and the Earth both at the moment the light left the planet, one step back. The
+    // lunar arguments and the nutation keep the values of the true moment, and the retarded Earth
+    // stays in earth_long/lat/dist.
+    TimeBase retarded;
+    set_calculation_time(retarded, jd - light_days_per_au *
+                                            e.pos.geo_dist[static_cast<std::size_t>(geo_index)]);
+    earth_at(s, retarded.tau);
+    store_helio(e.pos, helio_index, position_at(rates, retarded.tau - e.time.tau, e.zodiac_offset));
+    geocentric_from_helio(s, helio_index, geo_index);
+}
 
 } // namespace
 
 SphericalPosition vsop_position(const vsop87::VsopBody& body, double tau, int accuracy_level,
                                 double zodiac_offset) {
-    SphericalPosition p;
-    p.longitude = norm_rad(sum_powers(body.l, tau, accuracy_level) / 1e8 + zodiac_offset);
-    p.latitude = sum_powers(body.b, tau, accuracy_level) / 1e8;
-    p.radius = sum_powers(body.r, tau, accuracy_level) / 1e8;
-    return p;
+    return position_at(evaluate_rates(body, tau, accuracy_level), 0, zodiac_offset);
 }
 
 void calculate_sun(Session& s, bool flag) {
     EngineState& e = s.engine;
-    const SphericalPosition earth =
-        vsop_position(vsop87::earth_series, e.time.tau, s.accuracy_level, e.zodiac_offset);
-    e.earth_long = earth.longitude;
-    e.earth_lat = earth.latitude;
-    e.earth_dist = earth.radius;
+    earth_at(s, e.time.tau);
     if (!flag) return;
     PositionLists& p = e.pos;
-    p.geo_long[geo::sun] = earth.longitude + pi;
-    p.geo_lat[geo::sun] = -earth.latitude;
-    p.geo_dist[geo::sun] = earth.radius;
+    p.geo_long[geo::sun] = e.earth_long + pi;
+    p.geo_lat[geo::sun] = -e.earth_lat;
+    p.geo_dist[geo::sun] = e.earth_dist;
     if (!s.options.actual_position)
-        p.geo_long[geo::sun] -= aberration_constant * arcsec_to_rad / earth.radius;
-    p.helio_long[helio::earth] = earth.longitude;
-    p.helio_lat[helio::earth] = earth.latitude;
-    p.helio_dist[helio::earth] = earth.radius;
+        p.geo_long[geo::sun] -= aberration_constant * arcsec_to_rad / e.earth_dist;
+    p.helio_long[helio::earth] = e.earth_long;
+    p.helio_lat[helio::earth] = e.earth_lat;
+    p.helio_dist[helio::earth] = e.earth_dist;
 }
 
 void geocentric_from_helio(Session& s, int helio_index, int geo_index) {
@@ -85,40 +157,6 @@ void geocentric_from_helio(Session& s, int helio_index, int geo_index) {
     p.geo_long[g] = arctan2(y, x);
     p.geo_lat[g] = dist > 0 ? arcsin(z / dist) : 0.0;
 }
-
-namespace {
-
-// The light-time wrapper for any heliocentric source: `series` fills the helio entry at the
-// current time base.
-template <typename Series>
-void with_light_time(Session& s, double jd, int helio_index, int geo_index, Series series) {
-    EngineState& e = s.engine;
-    series();
-    geocentric_from_helio(s, helio_index, geo_index);
-    if (s.options.actual_position) return;
-    // One pass: the planet and the Earth both at the moment the light left the planet. The lunar
-    // arguments and the nutation keep the values of the true moment.
-    set_calculation_time(e.time, jd - light_days_per_au *
-                                          e.pos.geo_dist[static_cast<std::size_t>(geo_index)]);
-    calculate_sun(s, false);
-    series();
-    geocentric_from_helio(s, helio_index, geo_index);
-    set_calculation_time(e.time, jd);
-}
-
-void planet(Session& s, double jd, const vsop87::VsopBody& body, int helio_index) {
-    with_light_time(s, jd, helio_index, helio_index + 1, [&s, &body, helio_index] {
-        EngineState& e = s.engine;
-        const SphericalPosition p =
-            vsop_position(body, e.time.tau, s.accuracy_level, e.zodiac_offset);
-        const auto h = static_cast<std::size_t>(helio_index);
-        e.pos.helio_long[h] = p.longitude;
-        e.pos.helio_lat[h] = p.latitude;
-        e.pos.helio_dist[h] = p.radius;
-    });
-}
-
-} // namespace
 
 void calculate_mercury(Session& s, double jd) {
     planet(s, jd, vsop87::mercury_series, helio::mercury);

@@ -122,6 +122,14 @@ struct PositionLists {
     std::array<double, lemni_capacity> lemni_long_ahead{};
 };
 
+// A VSOP body's raw sums at one moment with their first and second derivatives by tau, so that a
+// moment a few hours away (the light time) follows by a Taylor step instead of a new pass.
+struct SeriesRates {
+    double l = 0, b = 0, r = 0;
+    double l1 = 0, b1 = 0, r1 = 0;
+    double l2 = 0, b2 = 0, r2 = 0;
+};
+
 struct EngineState {
     double event_jd = 0; // the moment of the last chart, Universal Time
     TimeBase time;
@@ -141,6 +149,10 @@ struct EngineState {
 
     // The heliocentric Earth of the last Sun calculation.
     double earth_long = 0, earth_lat = 0, earth_dist = 0;
+    // The Earth's sums at the moment of the last Sun calculation, for the retarded Earths.
+    SeriesRates earth_rates;
+    double earth_rates_tau = 0;
+    int earth_rates_level = 0; // 0: none yet
 
     // Whether the stored tables of Uranus, Neptune and Pluto answered for the last moment.
     bool outer_planets_ok = false;
