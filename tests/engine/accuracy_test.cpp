@@ -137,3 +137,34 @@ TEST(Accuracy, Report) {
 
 } // namespace
 } // namespace celestark
+
+namespace celestark {
+namespace {
+
+TEST(Accuracy, LunarPointsFollowTheOsculatingOrbit) {
+    // The node and perigee come from short series of the program's own: the node stays within
+    // 41" of the osculating node, the perigee within a third of a degree of the osculating one.
+    Session s;
+    initialise_session(s, ".");
+    s.options.actual_position = true;
+    int checked = 0;
+    for (const auto& r : testing::read_reference_bodies()) {
+        if (r.body != "true_node" && r.body != "oscu_apogee") continue;
+        calculate_bodies_at(s, ut_from_ephemeris_time(r.jd_tt));
+        const double nutation = s.engine.nutation.nutation_long;
+        if (r.body == "true_node")
+            EXPECT_LT(std::fabs(rad_diff(s.engine.true_node + nutation, r.lon * deg_to_rad)),
+                      0.02 * deg_to_rad)
+                << r.jd_tt;
+        else
+            EXPECT_LT(
+                std::fabs(rad_diff(s.engine.true_perigee + pi + nutation, r.lon * deg_to_rad)),
+                0.4 * deg_to_rad)
+                << r.jd_tt;
+        ++checked;
+    }
+    EXPECT_EQ(checked, 240);
+}
+
+} // namespace
+} // namespace celestark
