@@ -1,6 +1,7 @@
 #include "positions.h"
 
 #include "engine/chart.h"
+#include "engine/table_bodies.h"
 #include "session/angles.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
@@ -9,6 +10,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -78,6 +80,29 @@ std::string body_name(unsigned char code) {
     }
 }
 
+std::filesystem::path body_tables_directory() {
+    namespace fs = std::filesystem;
+    if (fs::exists("outer3.mdb")) return fs::current_path();
+    // Beside a build of the program the tables lie in the build's data folder.
+    std::error_code ec;
+    const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec) {
+        const fs::path built = exe.parent_path().parent_path() / "data";
+        if (fs::exists(built / "outer3.mdb")) return built;
+    }
+    return fs::current_path();
+}
+
+bool attach_body_tables(Session& s) {
+    std::string problems;
+    s.body_tables = open_body_tables(body_tables_directory(), problems);
+    if (!s.body_tables->planets.loaded) {
+        fail("cannot read the tables of Uranus, Neptune and Pluto (outer3.mdb): " + problems);
+        return false;
+    }
+    return true;
+}
+
 namespace {
 
 bool parse_number_option(const Options& o, const char* name, double& out) {
@@ -133,6 +158,7 @@ int command_positions(const Options& o) {
 
     Session s;
     initialise_session(s, ".");
+    if (!attach_body_tables(s)) return 2;
     s.accuracy_level = static_cast<std::int16_t>(level);
     s.options.actual_position = o.count("actual") > 0;
     s.chart.moon_node = 0;
@@ -173,6 +199,7 @@ int command_bench(const Options& o) {
 
     Session s;
     initialise_session(s, ".");
+    if (!attach_body_tables(s)) return 2;
     s.accuracy_level = static_cast<std::int16_t>(level);
     s.chart.chiron = s.chart.asteroids = s.chart.quaoar = s.chart.sedna = 1;
     const int n = static_cast<int>(moments);

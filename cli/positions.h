@@ -3,6 +3,10 @@
 #include <map>
 #include <string>
 
+namespace celestark {
+struct Session;
+}
+
 namespace celestark::cli {
 
 using Options = std::map<std::string, std::string>;
@@ -14,5 +18,9 @@ int command_bench(const Options& options);
 std::string body_name(unsigned char glyph);
 
 int fail(const std::string& message);
+
+// Opens outer3.mdb and asteroid.mdb from the current directory, or from the data folder of the
+// build the program runs from; false (with a message) when the outer planets cannot be read.
+bool attach_body_tables(Session& s);
 
 } // namespace celestark::cli

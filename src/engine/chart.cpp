@@ -3,7 +3,9 @@
 #include "engine/chart_steps.h"
 #include "engine/moon.h"
 #include "engine/planets.h"
+#include "engine/table_bodies.h"
 #include "engine/time_base.h"
+#include "engine/world_views.h"
 #include "session/angles.h"
 #include "session/calendar.h"
 #include "session/constants.h"
@@ -52,10 +54,19 @@ void calculate_bodies(Session& s, double jd) {
     calculate_mars(s, jd);
     calculate_jupiter(s, jd);
     calculate_saturn(s, jd);
-    calculate_outer_planets(s, jd);
+    calculate_uranus(s, jd);
+    calculate_neptune(s, jd);
+    calculate_pluto(s, jd);
     calculate_helio_elements(s);
-    calculate_extra_bodies(s, jd);
-    add_moon_to_helio(s);
+    calculate_distant_bodies(s);
+    if (s.chart.chiron) calculate_chiron(s, jd);
+    if (s.chart.asteroids) {
+        calculate_juno(s, jd);
+        calculate_vesta(s, jd);
+        calculate_ceres(s, jd);
+        calculate_pallas(s, jd);
+    }
+    if (s.chart.helio_moon) moon_in_helio(s);
 }
 
 // The body pass of a chart, at the moment already set in the time base.
@@ -69,7 +80,7 @@ void body_pass(Session& s, double jd) {
     calculate_vernal_point(s);
     calculate_houses(s);
     calculate_bodies(s, jd);
-    if (s.engine.calc.calc_planets) calculate_lemni_list(s);
+    if (s.engine.calc.calc_planets) calculate_lemni(s);
 }
 
 // Nutation into every geo entry; the chart list starts as a copy of the geo list.
@@ -125,6 +136,8 @@ void calculate_chart(Session& s, int row, bool retrograde_flag) {
 
     const EventMoment m = reduce_event_time(s.event_slots[row]);
     e.latitude_rad = m.latitude_deg * deg_to_rad;
+    e.latitude_deg = m.latitude_deg;
+    e.event_slot = row;
     e.longitude_deg = m.longitude_deg;
     e.day_of_week_number = m.day_of_week_number;
     e.event_jd = m.event_jd;
@@ -166,7 +179,7 @@ void calculate_bodies_at(Session& s, double jd) {
     add_stars_and_fixed_points(s);
     tychonic_copy(s);
     if (e.calc.calc_nodes) calculate_moon_points(s, true);
-    calculate_lemni_list(s);
+    calculate_lemni(s);
 }
 
 double ut_from_ephemeris_time(double jd_ephemeris) {

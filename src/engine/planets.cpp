@@ -80,7 +80,8 @@ void store_earth(EngineState& e, const SphericalPosition& earth) {
     e.earth_dist = earth.radius;
 }
 
-// The Earth at tau: from the sums of the last Sun calculation when they are near enough, else anew.
+} // namespace
+
 void earth_at(Session& s, double tau) {
     EngineState& e = s.engine;
     if (e.earth_rates_level != s.accuracy_level ||
@@ -91,6 +92,8 @@ void earth_at(Session& s, double tau) {
     }
     store_earth(e, position_at(e.earth_rates, tau - e.earth_rates_tau, e.zodiac_offset));
 }
+
+namespace {
 
 void store_helio(PositionLists& p, int helio_index, const SphericalPosition& pos) {
     const auto h = static_cast<std::size_t>(helio_index);

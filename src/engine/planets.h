@@ -20,6 +20,10 @@ SphericalPosition vsop_position(const vsop87::VsopBody& body, double tau, int ac
 // actual_position) and the Earth's helio entry 0.
 void calculate_sun(Session& s, bool flag);
 
+// The Earth at `tau` into earth_long/lat/dist: by a Taylor step from the sums of the last Sun
+// calculation when they are near enough in time, else from the series anew.
+void earth_at(Session& s, double tau);
+
 // Converts helio entry `helio_index` to geo entry `geo_index` through the last Earth.
 void geocentric_from_helio(Session& s, int helio_index, int geo_index);
 

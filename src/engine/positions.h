@@ -3,6 +3,7 @@
 // position lists in fixed-size arrays, so that a calculation never allocates.
 #include <array>
 #include <cstdint>
+#include <string>
 
 namespace celestark {
 
@@ -141,7 +142,9 @@ struct EngineState {
     // Reduction of the event row.
     int day_of_week_number = 1;
     double latitude_rad = 0;
+    double latitude_deg = 0;  // north positive, as the row gives it
     double longitude_deg = 0; // west positive
+    int event_slot = 0;       // the slot of the last chart
     double local_sidereal_hours = 0;
 
     double zodiac_offset = 0; // radians added to every longitude
@@ -154,11 +157,25 @@ struct EngineState {
     double earth_rates_tau = 0;
     int earth_rates_level = 0; // 0: none yet
 
-    // Whether the stored tables of Uranus, Neptune and Pluto answered for the last moment.
+    // Whether the stored tables answered for the last moment: Uranus to Pluto, the asteroids, Chiron.
     bool outer_planets_ok = false;
+    bool asteroid_table_ok = false, chiron_table_ok = false;
+    long table_reads = 0; // positions read from the stored tables, for measurements
 
     // Lunar points, radians.
     double true_node = 0, mean_node = 0, true_perigee = 0, mean_perigee = 0;
+
+    // Houses of the last chart, radians in the active zodiac (engine/houses.h). house_cusps[i] is
+    // the cusp of house i for i = 1 to house_count (12); element 0 is unused and stays 0. The
+    // cusps may lie outside 0 to 2 pi, the Ascendant and Midheaven do not.
+    std::array<double, 13> house_cusps{};
+    int house_count = 12;
+    double ascendant = 0, midheaven = 0;
+    // The system text the last house calculation took; "None" draws and lists no houses.
+    std::string house_system_in_use = "None";
+    // Whether the last chart has houses: cleared when it was cast with "None".
+    bool chart_has_houses = false;
+    double part_of_fortune_long = 0; // not reduced to a circle
 };
 
 } // namespace celestark

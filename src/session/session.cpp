@@ -1,5 +1,6 @@
 #include "session/session.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace celestark {
@@ -11,6 +12,29 @@ void initialise_session(Session& session, std::string program_directory) {
     session.event_slots.active_event = 1;
     session.accuracy_level = 1;
     session.event_dirty = false;
+}
+
+} // namespace celestark
+
+namespace celestark {
+
+namespace {
+// A sink for sessions without a window: boxes go to standard error, questions are answered No.
+class StderrSink : public MessageSink {
+  public:
+    void message(const std::string& title, const std::string& text, MessageIcon) override {
+        std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
+    }
+    bool ask(const std::string&, const std::string&) override { return false; }
+    void input_error(const std::string& line) override {
+        std::fprintf(stderr, "%s\n", line.c_str());
+    }
+};
+} // namespace
+
+void session_fatal(Session& session, const std::string& operation, const std::string& text) {
+    StderrSink fallback;
+    fatal_error(session.sink ? *session.sink : fallback, operation, text, session.fatal_handler);
 }
 
 } // namespace celestark

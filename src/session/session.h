@@ -4,12 +4,16 @@
 // sessions can live in one process (a test per case, a search on a worker thread with its own).
 #include "engine/positions.h"
 #include "session/event.h"
+#include "session/messages.h"
 #include "session/text.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace celestark {
+
+struct BodyTables;
 
 // The open event database and table.
 struct EventStoreState {
@@ -25,10 +29,13 @@ struct ChartSettings {
     bool sign_form = true;
     std::string house_system = "None", polar_house_system = "Porphyry";
     std::int16_t moon_node = 1, moon_peri = 0, helio_elem = 0;
+    std::int16_t helio_moon = 0; // the Moon as the last helio entry; every option reader clears it
     std::int16_t chiron = 0, sedna = 0, quaoar = 0, asteroids = 0, part_of_fortune = 0,
                  stars_in_charts = 0;
-    std::int16_t display_plan_degs = 0, display_agram = 0, zodiac_direction = 0,
-                 house_direction = 0, house_start = 0, house_type = 0;
+    std::int16_t display_plan_degs = 0, display_agram = 0, zodiac_direction = 0;
+    // House wheel: direction -1 (True) "Normal" or 0 "Oppostie"; start 0, 1 or 2 (engine/houses.h);
+    // type -1 (True) "Normal" or 0 "Hermetic". The option readers overwrite these.
+    std::int16_t house_direction = -1, house_start = 0, house_type = -1;
     std::string aspect_set_charts, display_colour_set, print_colour_set;
     bool print_mode = true;
 };
@@ -51,7 +58,16 @@ struct Session {
     std::int16_t accuracy_level = 1; // 1 full, 2 medium, 3 low: how many series terms are taken
     EngineState engine;
     bool event_dirty = false;
+    // Where boxes, questions and fatal errors go. Without a sink they are written to standard
+    // error; without a handler a fatal error ends the process.
+    MessageSink* sink = nullptr;
+    FatalHandler fatal_handler;
+    // The tables of Uranus to Pluto, the asteroids and Chiron, read once and shared read-only.
+    std::shared_ptr<const BodyTables> body_tables;
 };
+
+// Shows a fatal box through the session's sink and ends the process (or calls the handler).
+void session_fatal(Session& session, const std::string& operation, const std::string& text);
 
 // Step one of the start: fixed values and the slot table, with the default event in row 21.
 void initialise_session(Session& session, std::string program_directory);

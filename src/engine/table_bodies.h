@@ -1,0 +1,61 @@
+#pragma once
+// Uranus, Neptune, Pluto, the four asteroids and Chiron from stored tables of heliocentric
+// rectangular positions at an even step, interpolated to the moment by the five-point rule.
+// The rows are read once into memory; a position then costs a search and an interpolation.
+#include "store/store_types.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace celestark {
+
+struct Session;
+
+// One stored table in memory: the dates (ephemeris time) and, per date, the columns in order.
+struct BodyTable {
+    std::vector<double> dates;
+    std::vector<double> values; // dates.size() rows of `columns` values
+    int columns = 0;
+    bool loaded = false;
+
+    // The reading rule: the last row before `jde`, back two rows, a six-row window, the shift when
+    // the moment lies past the middle of its interval, and five-point interpolation of the
+    // columns `first`..`first + 2`. False when the table cannot answer for the moment.
+    bool position(double jde, int first, std::array<double, 3>& xyz) const;
+};
+
+struct BodyTables {
+    BodyTable planets;   // outer3.mdb: Uranus, Neptune, Pluto
+    BodyTable asteroids; // asteroid.mdb: Juno, Vesta, Ceres, Pallas
+    BodyTable chiron;    // asteroid.mdb: Chiron
+};
+
+// Reads `table` of the store file `file` with the given columns after `julian_day_number`, in
+// the order of the index `day_number`. Outcome ok, or what the store said.
+store::Outcome load_body_table(const std::filesystem::path& file, const std::string& table,
+                               const std::vector<std::string>& columns, BodyTable& out);
+
+// Opens outer3.mdb and asteroid.mdb in `directory` and reads their tables. A table that cannot be
+// read stays unloaded: the planets then fail at their first use, the asteroids and Chiron drop out
+// of the charts. The text says what failed, empty when all was read.
+std::shared_ptr<const BodyTables> open_body_tables(const std::filesystem::path& directory,
+                                                   std::string& problems);
+
+// Uranus, Neptune and Pluto through light time into helio entries 6 to 8.
+void calculate_uranus(Session& s, double jd);
+void calculate_neptune(Session& s, double jd);
+void calculate_pluto(Session& s, double jd);
+// Chiron and the asteroids, each growing the three lists when its table answers.
+void calculate_chiron(Session& s, double jd);
+void calculate_juno(Session& s, double jd);
+void calculate_vesta(Session& s, double jd);
+void calculate_ceres(Session& s, double jd);
+void calculate_pallas(Session& s, double jd);
+
+// Heliocentric rectangular coordinates into a helio entry, and its geocentric place one above.
+void store_table_body(Session& s, double x, double y, double z, int entry);
+
+} // namespace celestark
