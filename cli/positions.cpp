@@ -95,11 +95,15 @@ std::filesystem::path body_tables_directory() {
 
 bool attach_body_tables(Session& s) {
     std::string problems;
-    s.body_tables = open_body_tables(body_tables_directory(), problems);
-    if (!s.body_tables->planets.loaded) {
-        fail("cannot read the tables of Uranus, Neptune and Pluto (outer3.mdb): " + problems);
-        return false;
+    auto tables = open_body_tables(body_tables_directory(), problems);
+    if (tables->planets.loaded) {
+        s.body_tables = std::move(tables);
+        return true;
     }
+    std::fprintf(stderr,
+                 "celestark-cli: without outer3.mdb (%s) Uranus, Neptune, Pluto, Chiron and the "
+                 "asteroids are left out\n",
+                 trim(problems).c_str());
     return true;
 }
 

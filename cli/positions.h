@@ -20,7 +20,7 @@ std::string body_name(unsigned char glyph);
 int fail(const std::string& message);
 
 // Opens outer3.mdb and asteroid.mdb from the current directory, or from the data folder of the
-// build the program runs from; false (with a message) when the outer planets cannot be read.
+// build the program runs from. Without them the table bodies are left out, with a warning.
 bool attach_body_tables(Session& s);
 
 } // namespace celestark::cli
