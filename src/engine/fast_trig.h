@@ -23,7 +23,9 @@ inline SinCos sin_cos(double x) {
                      c3 = 2.48015872894767294178e-05, c4 = -2.75573143513906633035e-07,
                      c5 = 2.08757232129817482790e-09, c6 = -1.13596475577881948265e-11;
 
-    const double k = std::nearbyint(x * two_over_pi);
+    // Nearest integer by the 1.5 * 2^52 shift (exact for |x| below 2^51 radians).
+    constexpr double shift = 6755399441055744.0;
+    const double k = (x * two_over_pi + shift) - shift;
     const double r = ((x - k * pio2_1) - k * pio2_2) - k * pio2_3;
     const double r2 = r * r;
     const double s = r + r * r2 * (s1 + r2 * (s2 + r2 * (s3 + r2 * (s4 + r2 * (s5 + r2 * s6)))));
