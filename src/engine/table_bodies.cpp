@@ -10,63 +10,182 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 namespace celestark {
 
-bool BodyTable::position(double jde, int first, std::array<double, 3>& xyz) const {
-    if (!loaded) return false;
-    // The last row before the moment...
-    const auto after = std::lower_bound(dates.begin(), dates.end(), jde);
-    if (after == dates.begin()) return false;
-    const std::ptrdiff_t before = after - dates.begin() - 1;
-    // ...back two rows, and six rows forward from there.
-    const std::ptrdiff_t start = before - 2;
-    if (start < 0 || start + 6 > static_cast<std::ptrdiff_t>(dates.size())) return false;
-    const double* d = dates.data() + start; // d[0..5] are rows 1 to 6
-    const double step = d[3] - d[2];
-    double n = (jde - d[2]) / step;
-    std::ptrdiff_t window = start;
-    if (n > 0.5) {
-        window = start + 1;
-        n = -(d[3] - jde) / step;
-    }
-    const auto cell = [&](std::ptrdiff_t row, int column) {
-        return values[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) +
-                      static_cast<std::size_t>(column)];
+struct BodyTable::Impl {
+    // The store stays open while rows remain to be read.
+    store::TableStore db;
+    store::Recordset rs;
+    int date_field = -1;
+    std::vector<int> fields;
+    int columns = 0;
+
+    std::int64_t count = 0;
+    double first = 0, last = 0, step = 0;
+    bool even = false;
+
+    // Rows by chunk; a chunk's dates and values are filled at its first use.
+    struct Chunk {
+        std::vector<double> dates, values;
     };
-    for (int k = 0; k < 3; ++k)
-        xyz[static_cast<std::size_t>(k)] = interpolate5(
-            n, cell(window, first + k), cell(window + 1, first + k), cell(window + 2, first + k),
-            cell(window + 3, first + k), cell(window + 4, first + k));
-    return true;
+    mutable std::mutex mutex;
+    mutable std::vector<std::unique_ptr<Chunk>> chunks;
+    bool loaded = false;
+
+    // Reads rows [begin, end) from the current position of the recordset onward.
+    bool read_rows(std::int64_t n, Chunk& out) {
+        store::Outcome o = store::Outcome::ok;
+        for (std::int64_t i = 0; i < n && o == store::Outcome::ok && !rs.eof(); ++i) {
+            const store::Value date = rs.get(date_field);
+            if (!date.ok() || date.is_null()) return false;
+            out.dates.push_back(date.as_double());
+            for (int f : fields) out.values.push_back(rs.get(f).as_double());
+            o = rs.move_next();
+        }
+        return o == store::Outcome::ok;
+    }
+
+    const Chunk* chunk(std::int64_t k) const {
+        std::lock_guard lock(mutex);
+        auto& slot = chunks[static_cast<std::size_t>(k)];
+        if (!slot) {
+            auto c = std::make_unique<Chunk>();
+            auto& self = const_cast<Impl&>(*this);
+            const std::int64_t begin = k * chunk_rows;
+            const double date = even ? first + static_cast<double>(begin) * step : first;
+            if (self.rs.seek(">=", {store::Value(date - (even ? step / 2 : 0.0))}) !=
+                    store::Outcome::ok ||
+                !self.read_rows(even ? chunk_rows : count, *c))
+                return nullptr;
+            slot = std::move(c);
+        }
+        return slot.get();
+    }
+
+    // Date and values of row `r`, reading its chunk when needed.
+    bool row(std::int64_t r, double& date, const double*& values) const {
+        const std::int64_t k = even ? r / chunk_rows : 0;
+        const Chunk* c = chunk(k);
+        const std::int64_t i = even ? r - k * chunk_rows : r;
+        if (!c || i >= static_cast<std::int64_t>(c->dates.size())) return false;
+        date = c->dates[static_cast<std::size_t>(i)];
+        values = c->values.data() + static_cast<std::size_t>(i) * static_cast<std::size_t>(columns);
+        return true;
+    }
+
+    // Index of the last row dated before `jde`, or -1.
+    std::int64_t last_before(double jde) const {
+        if (!(jde > first)) return -1;
+        std::int64_t r = even ? static_cast<std::int64_t>(std::ceil((jde - first) / step)) - 1 : -1;
+        if (!even) {
+            const Chunk* c = chunk(0);
+            if (!c) return -1;
+            return (std::lower_bound(c->dates.begin(), c->dates.end(), jde) - c->dates.begin()) - 1;
+        }
+        r = std::clamp<std::int64_t>(r, 0, count - 1);
+        // Settle rounding at the row dates themselves.
+        double d;
+        const double* v;
+        while (r > 0 && row(r, d, v) && !(d < jde)) --r;
+        while (r + 1 < count && row(r + 1, d, v) && d < jde) ++r;
+        return r;
+    }
+};
+
+BodyTable::BodyTable() : impl_(std::make_unique<Impl>()) {}
+BodyTable::~BodyTable() = default;
+BodyTable::BodyTable(BodyTable&&) noexcept = default;
+BodyTable& BodyTable::operator=(BodyTable&&) noexcept = default;
+
+bool BodyTable::loaded() const {
+    return impl_->loaded;
+}
+std::int64_t BodyTable::rows() const {
+    return impl_->count;
+}
+double BodyTable::first_date() const {
+    return impl_->first;
+}
+double BodyTable::last_date() const {
+    return impl_->last;
+}
+double BodyTable::step() const {
+    return impl_->step;
 }
 
-store::Outcome load_body_table(const std::filesystem::path& file, const std::string& table,
-                               const std::vector<std::string>& columns, BodyTable& out) {
-    out = BodyTable{};
-    store::TableStore db;
-    store::Outcome o = db.open(file, store::TableStore::Access::read_only);
+store::Outcome BodyTable::open(const std::filesystem::path& file, const std::string& table,
+                               const std::vector<std::string>& columns) {
+    impl_ = std::make_unique<Impl>();
+    Impl& m = *impl_;
+    store::Outcome o = m.db.open(file, store::TableStore::Access::read_only);
     if (o != store::Outcome::ok) return o;
-    store::Recordset rs;
-    if ((o = db.open_recordset(table, rs)) != store::Outcome::ok) return o;
-    if ((o = rs.set_index("day_number")) != store::Outcome::ok) return o;
-    const int date_field = rs.field_index("julian_day_number");
-    if (date_field < 0) return store::Outcome::no_such_field;
-    std::vector<int> fields;
+    if ((o = m.db.open_recordset(table, m.rs)) != store::Outcome::ok) return o;
+    if ((o = m.rs.set_index("day_number")) != store::Outcome::ok) return o;
+    m.date_field = m.rs.field_index("julian_day_number");
+    if (m.date_field < 0) return store::Outcome::no_such_field;
     for (const std::string& c : columns) {
-        fields.push_back(rs.field_index(c));
-        if (fields.back() < 0) return store::Outcome::no_such_field;
+        m.fields.push_back(m.rs.field_index(c));
+        if (m.fields.back() < 0) return store::Outcome::no_such_field;
     }
-    out.columns = static_cast<int>(columns.size());
-    for (o = rs.move_first(); o == store::Outcome::ok; o = rs.move_next()) {
-        const store::Value date = rs.get(date_field);
-        if (!date.ok() || date.is_null()) return store::Outcome::damaged_file;
-        out.dates.push_back(date.as_double());
-        for (int f : fields) out.values.push_back(rs.get(f).as_double());
-    }
-    if (o != store::Outcome::no_current_record) return o;
-    out.loaded = out.dates.size() >= 6;
+    m.columns = static_cast<int>(columns.size());
+    m.count = m.rs.record_count();
+    if (m.count < 6) return store::Outcome::no_current_record;
+    // The first two rows give the step; the last row tells whether it holds throughout.
+    if ((o = m.rs.move_first()) != store::Outcome::ok) return o;
+    m.first = m.rs.get(m.date_field).as_double();
+    if ((o = m.rs.move_next()) != store::Outcome::ok) return o;
+    m.step = m.rs.get(m.date_field).as_double() - m.first;
+    if ((o = m.rs.move_last()) != store::Outcome::ok) return o;
+    m.last = m.rs.get(m.date_field).as_double();
+    m.even = m.step > 0 && std::fabs(m.first + m.step * static_cast<double>(m.count - 1) - m.last) <
+                               1e-6 * m.step;
+    m.chunks.resize(m.even ? static_cast<std::size_t>((m.count + chunk_rows - 1) / chunk_rows) : 1);
+    m.loaded = true;
     return store::Outcome::ok;
+}
+
+void BodyTable::assign(std::vector<double> dates, std::vector<double> values, int columns) {
+    impl_ = std::make_unique<Impl>();
+    Impl& m = *impl_;
+    m.columns = columns;
+    m.count = static_cast<std::int64_t>(dates.size());
+    m.first = dates.front();
+    m.last = dates.back();
+    m.step = dates.size() > 1 ? dates[1] - dates[0] : 0;
+    m.even = false;
+    auto c = std::make_unique<Impl::Chunk>();
+    c->dates = std::move(dates);
+    c->values = std::move(values);
+    m.chunks.push_back(std::move(c));
+    m.loaded = m.count >= 6;
+}
+
+bool BodyTable::position(double jde, int first, std::array<double, 3>& xyz) const {
+    const Impl& m = *impl_;
+    if (!m.loaded) return false;
+    // The last row before the moment, back two rows, and six rows forward from there.
+    const std::int64_t start = m.last_before(jde) - 2;
+    if (start < 0 || start + 6 > m.count) return false;
+    double d[6];
+    const double* v[6];
+    for (int i = 0; i < 6; ++i)
+        if (!m.row(start + i, d[i], v[i])) return false;
+    const double step = d[3] - d[2];
+    double n = (jde - d[2]) / step;
+    int window = 0;
+    if (n > 0.5) {
+        window = 1;
+        n = -(d[3] - jde) / step;
+    }
+    for (int k = 0; k < 3; ++k) {
+        const int c = first + k;
+        xyz[static_cast<std::size_t>(k)] =
+            interpolate5(n, v[window][c], v[window + 1][c], v[window + 2][c], v[window + 3][c],
+                         v[window + 4][c]);
+    }
+    return true;
 }
 
 std::shared_ptr<const BodyTables> open_body_tables(const std::filesystem::path& directory,
@@ -82,7 +201,7 @@ std::shared_ptr<const BodyTables> open_body_tables(const std::filesystem::path& 
     };
     const auto load = [&](const char* file, const char* table,
                           const std::vector<std::string>& columns, BodyTable& out) {
-        const store::Outcome o = load_body_table(directory / file, table, columns, out);
+        const store::Outcome o = out.open(directory / file, table, columns);
         if (o != store::Outcome::ok)
             problems +=
                 std::string(file) + " (" + table + "): " + std::string(store::describe(o)) + "\n";

@@ -5,6 +5,7 @@
 #include "store/store_types.h"
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -14,17 +15,39 @@ namespace celestark {
 
 struct Session;
 
-// One stored table in memory: the dates (ephemeris time) and, per date, the columns in order.
-struct BodyTable {
-    std::vector<double> dates;
-    std::vector<double> values; // dates.size() rows of `columns` values
-    int columns = 0;
-    bool loaded = false;
+// One stored table, read into memory chunk by chunk as moments ask for its rows: a position then
+// costs a search and an interpolation. Tables at an even step (as the program writes them) are
+// read in chunks of `chunk_rows`; any other table is read whole at the first use.
+class BodyTable {
+  public:
+    static constexpr std::int64_t chunk_rows = 2048;
+
+    BodyTable();
+    ~BodyTable();
+    BodyTable(BodyTable&&) noexcept;
+    BodyTable& operator=(BodyTable&&) noexcept;
+
+    // Opens `table` of the store file, with the given columns after `julian_day_number`, and
+    // reads its first and last rows. Outcome ok, or what the store said.
+    store::Outcome open(const std::filesystem::path& file, const std::string& table,
+                        const std::vector<std::string>& columns);
+    // A table made in memory (dates ascending at any step), for tests and tools.
+    void assign(std::vector<double> dates, std::vector<double> values, int columns);
+
+    bool loaded() const;
+    std::int64_t rows() const;
+    double first_date() const;
+    double last_date() const;
+    double step() const;
 
     // The reading rule: the last row before `jde`, back two rows, a six-row window, the shift when
     // the moment lies past the middle of its interval, and five-point interpolation of the
     // columns `first`..`first + 2`. False when the table cannot answer for the moment.
     bool position(double jde, int first, std::array<double, 3>& xyz) const;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
 };
 
 struct BodyTables {
@@ -33,14 +56,9 @@ struct BodyTables {
     BodyTable chiron;    // asteroid.mdb: Chiron
 };
 
-// Reads `table` of the store file `file` with the given columns after `julian_day_number`, in
-// the order of the index `day_number`. Outcome ok, or what the store said.
-store::Outcome load_body_table(const std::filesystem::path& file, const std::string& table,
-                               const std::vector<std::string>& columns, BodyTable& out);
-
-// Opens outer3.mdb and asteroid.mdb in `directory` and reads their tables. A table that cannot be
-// read stays unloaded: the planets then fail at their first use, the asteroids and Chiron drop out
-// of the charts. The text says what failed, empty when all was read.
+// Opens outer3.mdb and asteroid.mdb in `directory` and their three tables. A table that cannot be
+// opened stays unloaded: the planets then fail at their first use, the asteroids and Chiron drop
+// out of the charts. The text says what failed, empty when all opened.
 std::shared_ptr<const BodyTables> open_body_tables(const std::filesystem::path& directory,
                                                    std::string& problems);
 

@@ -7,27 +7,31 @@
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
+#include "store/table_store.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <map>
+#include <unistd.h>
 
 namespace celestark {
 namespace {
 
-// A table of one body whose coordinates are quartics in the date, at a step of 10 days.
-BodyTable quartic_table(double first, int rows) {
-    BodyTable t;
-    t.columns = 3;
+// A table whose coordinates are quartics in the date, at a step of 10 days, for `bodies` bodies.
+BodyTable quartic_table(double first, int rows, int bodies = 1) {
+    std::vector<double> dates, values;
     for (int i = 0; i < rows; ++i) {
         const double d = first + 10.0 * i;
-        t.dates.push_back(d);
+        dates.push_back(d);
         const double u = (d - first) / 100.0;
-        t.values.insert(t.values.end(),
-                        {1 + u - 0.3 * u * u, 2 - 0.1 * u * u * u, 0.01 * u * u * u * u});
+        for (int b = 0; b < bodies; ++b)
+            values.insert(values.end(),
+                          {b + 1 + u - 0.3 * u * u, 2 - 0.1 * u * u * u, 0.01 * u * u * u * u});
     }
-    t.loaded = true;
+    BodyTable t;
+    t.assign(std::move(dates), std::move(values), 3 * bodies);
     return t;
 }
 
@@ -36,9 +40,10 @@ TEST(TableReading, TheFivePointRule) {
     std::array<double, 3> xyz{};
     // A date exactly on a row: "<" finds the row before, n is 1, the shifted window gives n = 0.
     ASSERT_TRUE(t.position(1200.0, 0, xyz));
-    EXPECT_EQ(xyz[0], t.values[20 * 3]);
-    EXPECT_EQ(xyz[1], t.values[20 * 3 + 1]);
-    EXPECT_EQ(xyz[2], t.values[20 * 3 + 2]);
+    const double u = 2.0;
+    EXPECT_EQ(xyz[0], 1 + u - 0.3 * u * u);
+    EXPECT_EQ(xyz[1], 2 - 0.1 * u * u * u);
+    EXPECT_EQ(xyz[2], 0.01 * u * u * u * u);
     // Anywhere inside, exact for quartics on either side of the middle of an interval.
     for (double d = 1031.0; d < 1360.0; d += 3.7) {
         ASSERT_TRUE(t.position(d, 0, xyz)) << d;
@@ -62,15 +67,65 @@ TEST(TableReading, TheFivePointRule) {
         EXPECT_EQ(t.position(c.jd, 0, xyz), c.ok) << c.jd;
 }
 
+TEST(TableReading, ChunksReadFromTheStoreGiveTheSameRows) {
+    namespace fs = std::filesystem;
+    const fs::path file =
+        fs::temp_directory_path() / ("celestark_chunks_" + std::to_string(::getpid()) + ".mdb");
+    fs::remove(file);
+    const int rows = 5000; // more than two chunks
+    {
+        store::TableStore db;
+        ASSERT_EQ(db.create(file), store::Outcome::ok);
+        std::vector<store::FieldDef> fields = {
+            {"julian_day_number", store::FieldType::double_precision, 0}};
+        for (const char* c : {"b_x_position", "b_y_position", "b_z_position"})
+            fields.push_back({c, store::FieldType::double_precision, 0});
+        const std::vector<store::IndexDef> indexes = {
+            {"day_number", {"julian_day_number"}, true, true}};
+        ASSERT_EQ(db.create_table("t", fields, indexes), store::Outcome::ok);
+        store::Recordset rs;
+        ASSERT_EQ(db.open_recordset("t", rs), store::Outcome::ok);
+        auto tx = db.begin_transaction();
+        for (int i = rows - 1; i >= 0; --i) { // stored out of order: the index orders them
+            rs.add_new();
+            const double u = i / 10.0;
+            rs.set("julian_day_number", 1000.0 + 10.0 * i);
+            rs.set("b_x_position", std::sin(u));
+            rs.set("b_y_position", std::cos(u));
+            rs.set("b_z_position", u * 1e-3);
+            ASSERT_EQ(rs.update(), store::Outcome::ok);
+        }
+        ASSERT_EQ(tx.commit(), store::Outcome::ok);
+    }
+    BodyTable stored;
+    ASSERT_EQ(stored.open(file, "t", {"b_x_position", "b_y_position", "b_z_position"}),
+              store::Outcome::ok);
+    EXPECT_EQ(stored.rows(), rows);
+    EXPECT_EQ(stored.step(), 10.0);
+    std::vector<double> dates, values;
+    for (int i = 0; i < rows; ++i) {
+        const double u = i / 10.0;
+        dates.push_back(1000.0 + 10.0 * i);
+        values.insert(values.end(), {std::sin(u), std::cos(u), u * 1e-3});
+    }
+    BodyTable memory;
+    memory.assign(dates, values, 3);
+    for (double jd :
+         {1030.5, 1000.0 + 10 * 2046.5, 1000.0 + 10 * 2047.0, 1000.0 + 10 * 2049.9, 21480.0,
+          1000.0 + 10 * 4096.2, 1000.0 + 10 * 4996.0, 1000.0 + 10 * 4997.0, 999.0}) {
+        std::array<double, 3> a{}, b{};
+        const bool ok_stored = stored.position(jd, 0, a);
+        ASSERT_EQ(ok_stored, memory.position(jd, 0, b)) << jd;
+        if (ok_stored) {
+            EXPECT_EQ(a, b) << jd;
+        }
+    }
+    fs::remove(file);
+}
+
 TEST(TableReading, OuterPlanetsOutOfRangeAreFatal) {
     auto tables = std::make_shared<BodyTables>();
-    tables->planets = quartic_table(j2000 - 200, 40);
-    tables->planets.columns = 9;
-    std::vector<double> nine;
-    for (std::size_t r = 0; r < 40; ++r)
-        for (int b = 0; b < 3; ++b)
-            nine.insert(nine.end(), {20.0 + b + tables->planets.values[r * 3], 1.0, 0.1});
-    tables->planets.values = nine;
+    tables->planets = quartic_table(j2000 - 200, 40, 3);
     Session s;
     initialise_session(s, ".");
     s.body_tables = tables;
@@ -261,7 +316,7 @@ TEST_F(TableBodiesAccuracy, ChironOutsideItsTableDropsOutAndActualPositionHalves
     EXPECT_FALSE(s.engine.chiron_table_ok);
     EXPECT_TRUE(s.engine.asteroid_table_ok);
     EXPECT_EQ(p.helio_count, 13);
-    EXPECT_EQ(p.geo_count, 14);
+    EXPECT_EQ(p.geo_glyph[14], glyph::north_node); // the node pair follows the 14 bodies
     EXPECT_EQ(p.lemni_count, 14);
     EXPECT_EQ(p.helio_glyph[9], glyph::juno) << "the later entries move down";
     EXPECT_EQ(p.geo_glyph[10], glyph::juno);
