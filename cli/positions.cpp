@@ -96,7 +96,7 @@ std::filesystem::path body_tables_directory() {
 bool attach_body_tables(Session& s) {
     std::string problems;
     auto tables = open_body_tables(body_tables_directory(), problems);
-    if (tables->planets.loaded) {
+    if (tables->planets.loaded()) {
         s.body_tables = std::move(tables);
         return true;
     }
