@@ -4,7 +4,7 @@
 set -euo pipefail
 
 CELESTARK_PACKAGES=(cmake ninja-build g++ pkg-config libsqlite3-dev libgtest-dev libgmock-dev
-  libbenchmark-dev)
+  libbenchmark-dev libswe-dev swe-basic-data swe-standard-data)
 
 celestark_install_missing() {
   local missing=()
