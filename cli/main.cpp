@@ -7,6 +7,7 @@
 #include "session/fixed_tables.h"
 #include "session/session.h"
 #include "session/text.h"
+#include "stores.h"
 
 #include <cmath>
 #include <cstdio>
@@ -121,7 +122,11 @@ void usage() {
                 "  default-event\n"
                 "  positions (--jd JD | --tt JDE | --tt-list FILE) [--view geo|helio|lemni|tycho]\n"
                 "            [--level 1|2|3] [--actual] [--all-bodies]\n"
-                "  bench --moments N --step DAYS --level L [--what bodies|chart]\n");
+                "  bench --moments N --step DAYS --level L [--what bodies|chart]\n"
+                "  init DIR                 prepare a program folder\n"
+                "  start                    start a session in the current folder\n"
+                "  chart --db FILE --table NAME --row N\n"
+                "  build-options FILE\n");
 }
 
 } // namespace
@@ -137,6 +142,10 @@ int main(int argc, char** argv) {
     if (command == "default-event") return command_default_event();
     if (command == "positions") return cli::command_positions(args.options);
     if (command == "bench") return cli::command_bench(args.options);
+    if (command == "init") return cli::command_init(args.positional);
+    if (command == "start") return cli::command_start();
+    if (command == "chart") return cli::command_chart(args.options);
+    if (command == "build-options") return cli::command_build_options(args.positional);
     usage();
     return fail("unknown command '" + command + "'");
 }

@@ -5,6 +5,7 @@
 #include "engine/positions.h"
 #include "session/event.h"
 #include "session/messages.h"
+#include "session/option_state.h"
 #include "session/text.h"
 
 #include <cstdint>
@@ -14,6 +15,7 @@
 namespace celestark {
 
 struct BodyTables;
+struct OpenStores; // store/open_stores.h
 
 // The open event database and table.
 struct EventStoreState {
@@ -64,6 +66,10 @@ struct Session {
     FatalHandler fatal_handler;
     // The tables of Uranus to Pluto, the asteroids and Chiron, read once and shared read-only.
     std::shared_ptr<const BodyTables> body_tables;
+    // The zodiac, aspect set and colour set loaded from the option stores.
+    OptionSets option_sets;
+    // option.mdb and the event database, open from the start to the end of the session.
+    std::shared_ptr<OpenStores> stores;
 };
 
 // Shows a fatal box through the session's sink and ends the process (or calls the handler).

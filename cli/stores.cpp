@@ -1,0 +1,201 @@
+#include "stores.h"
+
+#include "engine/chart.h"
+#include "positions.h"
+#include "session/constants.h"
+#include "session/event_input.h"
+#include "session/fixed_tables.h"
+#include "session/session.h"
+#include "session/startup.h"
+#include "session/text.h"
+#include "store/event_database.h"
+#include "store/open_stores.h"
+#include "store/option_defaults.h"
+#include "store/option_schema.h"
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+namespace celestark::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Boxes go to standard error; questions are answered No.
+class ConsoleSink : public MessageSink {
+  public:
+    void message(const std::string& title, const std::string& text, MessageIcon) override {
+        std::fprintf(stderr, "[%s] %s\n", title.c_str(), text.c_str());
+    }
+    bool ask(const std::string& title, const std::string& text) override {
+        std::fprintf(stderr, "[%s] %s - answered No\n", title.c_str(), text.c_str());
+        return false;
+    }
+    void input_error(const std::string& line) override {
+        std::fprintf(stderr, "%s\n", line.c_str());
+    }
+};
+
+// The data folder of the build this program runs from, where the build leaves the stores it
+// makes; empty when there is none.
+fs::path built_stores_folder() {
+    std::error_code ec;
+    const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+    if (ec) return {};
+    const fs::path data = exe.parent_path().parent_path() / "data";
+    return fs::is_directory(data, ec) ? data : fs::path();
+}
+
+// Copies `from` to `to` unless `to` exists: under a temporary name first, so that an interrupted
+// copy never leaves a partial store under the real name.
+bool copy_missing(const fs::path& from, const fs::path& to, std::string& why) {
+    std::error_code ec;
+    if (fs::exists(to, ec)) return false;
+    fs::path part = to;
+    part += ".part";
+    fs::copy_file(from, part, fs::copy_options::overwrite_existing, ec);
+    if (!ec && !fs::exists(to)) fs::rename(part, to, ec);
+    if (ec) {
+        why = ec.message();
+        fs::remove(part, ec);
+        return false;
+    }
+    return true;
+}
+
+StartResult start_in(Session& s, const fs::path& folder, MessageSink& sink, bool& fatal) {
+    fatal = false;
+    return start_session(s, folder.string(), sink,
+                         [&](const std::string&, const std::string&) { fatal = true; });
+}
+
+void print_state(Session& s, const StartResult& r) {
+    std::printf("Program folder: %s\n", s.program_directory.c_str());
+    if (r.events.outcome == EventStoreOpen::database_failed ||
+        r.events.outcome == EventStoreOpen::table_failed) {
+        std::printf("Event database: %s; choose another in the database window\n",
+                    r.events.problem.c_str());
+    } else {
+        const long long rows = s.stores ? s.stores->event_table.record_count() : 0;
+        std::printf("Event database: %s, table %s (%lld events)%s\n",
+                    r.events.database_title.c_str(), r.events.table_title.c_str(), rows,
+                    r.events.outcome == EventStoreOpen::created ? ", made at this start" : "");
+    }
+    std::printf("Charts: zodiac %s, houses %s (polar %s), aspect set %s (%d aspects), colour "
+                "sets %s on screen and %s on paper\n",
+                s.chart.zodiac.c_str(), s.chart.house_system.c_str(),
+                s.chart.polar_house_system.c_str(), s.chart.aspect_set_charts.c_str(),
+                s.option_sets.aspects.aspect_count, s.chart.display_colour_set.c_str(),
+                s.chart.print_colour_set.c_str());
+    for (const std::string& p : r.problems) std::printf("Note: %s\n", p.c_str());
+}
+
+} // namespace
+
+int command_init(const std::vector<std::string>& positional) {
+    if (positional.size() != 1) return fail("init needs the folder: init DIR");
+    const fs::path dir = fs::absolute(positional[0]);
+    std::error_code ec;
+    fs::create_directories(dir, ec);
+    if (!fs::is_directory(dir, ec)) return fail("cannot make the folder " + dir.string());
+
+    const fs::path built = built_stores_folder();
+    if (!built.empty()) {
+        for (fs::directory_iterator it(built, ec), end; !ec && it != end; it.increment(ec)) {
+            const fs::path from = it->path();
+            if (!it->is_regular_file() || from.extension() != ".mdb") continue;
+            std::string why;
+            if (copy_missing(from, dir / from.filename(), why))
+                std::printf("Copied %s\n", from.filename().string().c_str());
+            else if (!why.empty())
+                return fail("cannot copy " + from.filename().string() + ": " + why);
+        }
+    }
+    const fs::path options = dir / store::option_file_name;
+    if (!fs::exists(options, ec)) {
+        std::string error;
+        if (!store::build_option_database(options, store::standard_option_source(), error))
+            return fail("cannot build option.mdb: " + error);
+        std::printf("Built option.mdb\n");
+    }
+
+    Session s;
+    ConsoleSink sink;
+    bool fatal = false;
+    const StartResult r = start_in(s, dir, sink, fatal);
+    if (fatal || !r.started) return fail("the program folder " + dir.string() + " cannot start");
+    print_state(s, r);
+    return 0;
+}
+
+int command_start() {
+    Session s;
+    ConsoleSink sink;
+    bool fatal = false;
+    const StartResult r = start_in(s, fs::current_path(), sink, fatal);
+    if (fatal || !r.started) return 1;
+    print_state(s, r);
+    return 0;
+}
+
+int command_chart(const std::map<std::string, std::string>& options) {
+    const auto db = options.find("db"), table = options.find("table"), row = options.find("row");
+    if (db == options.end() || table == options.end() || row == options.end())
+        return fail("chart needs --db FILE --table NAME --row N");
+    const std::string row_text = trim(row->second);
+    if (row_text.empty() || row_text.find_first_not_of("0123456789") != std::string::npos)
+        return fail("--row must be a whole number from 1");
+    const long long wanted = std::atoll(row_text.c_str());
+    if (wanted < 1) return fail("--row must be a whole number from 1");
+
+    store::TableStore file;
+    store::Recordset records;
+    const store::Outcome o = open_event_file(db->second, table->second, file, records,
+                                             store::TableStore::Access::read_only);
+    if (o == store::Outcome::bad_definition)
+        return fail("the table " + table->second + " of " + db->second +
+                    " is not an event table: it lacks the event fields or their index");
+    if (o != store::Outcome::ok)
+        return fail("cannot open the table " + table->second + " of " + db->second + ": " +
+                    std::string(store::describe(o)));
+    store::Outcome at = records.move_first();
+    for (long long i = 1; i < wanted && at == store::Outcome::ok; ++i) at = records.move_next();
+    if (at != store::Outcome::ok || !records.has_current())
+        return fail("there is no event " + std::to_string(wanted) + ": the table holds " +
+                    std::to_string(records.record_count()));
+
+    Session s;
+    initialise_session(s, fs::current_path().string());
+    if (!attach_body_tables(s)) return 2;
+    load_event_row(records, s.event_slots, slot::first_user);
+    calculate_chart(s, slot::first_user, true);
+
+    const PositionLists& p = s.engine.pos;
+    std::printf("body,lon_deg,lat_deg,dist_au,retro\n");
+    for (int i = 0; i < p.geo_count; ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        const bool outer = p.geo_glyph[k] == glyph::uranus || p.geo_glyph[k] == glyph::neptune ||
+                           p.geo_glyph[k] == glyph::pluto;
+        if (outer && !s.engine.outer_planets_ok) continue;
+        const double lon = std::fmod(p.geo_long[k] * rad_to_deg + 360.0, 360.0);
+        std::printf("%s,%.6f,%.6f,%.9f,%s\n", body_name(p.geo_glyph[k]).c_str(), lon,
+                    p.geo_lat[k] * rad_to_deg, p.geo_dist[k], p.geo_retro[k + 1] == 'R' ? "R" : "");
+    }
+    return 0;
+}
+
+int command_build_options(const std::vector<std::string>& positional) {
+    if (positional.size() != 1) return fail("build-options needs the file: build-options FILE");
+    const fs::path file = positional[0];
+    std::error_code ec;
+    if (file.has_parent_path()) fs::create_directories(file.parent_path(), ec);
+    std::string error;
+    if (!store::build_option_database(file, store::standard_option_source(), error))
+        return fail("cannot build " + file.string() + ": " + error);
+    return 0;
+}
+
+} // namespace celestark::cli

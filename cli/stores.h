@@ -1,0 +1,26 @@
+#pragma once
+// The commands of celestark-cli that work on the stores: preparing a program folder, starting a
+// session in it, charting a stored event, and building a new option.mdb.
+#include <map>
+#include <string>
+#include <vector>
+
+namespace celestark::cli {
+
+// init DIR: makes DIR a program folder. The stores the build made (option.mdb and the body tables
+// of its data folder) are copied in where DIR lacks them, option.mdb is built from the program's
+// own first rows when there is none to copy, and a first start then makes the standard event
+// database. Nothing already in DIR is overwritten.
+int command_init(const std::vector<std::string>& positional);
+
+// start: starts a session in the current directory and tells what it opened.
+int command_start();
+
+// chart --db FILE --table NAME --row N: the Nth event (1 = first in name order) of a stored event
+// table, calculated, as CSV "body,lon_deg,lat_deg,dist_au,retro".
+int command_chart(const std::map<std::string, std::string>& options);
+
+// build-options FILE: a new option.mdb from the program's own first rows (replacing FILE).
+int command_build_options(const std::vector<std::string>& positional);
+
+} // namespace celestark::cli

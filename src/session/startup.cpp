@@ -1,0 +1,43 @@
+#include "session/startup.h"
+
+#include "session/session.h"
+#include "store/option_sets.h"
+#include "store/option_store.h"
+#include "store/store_files.h"
+
+#include <filesystem>
+
+namespace celestark {
+
+StartResult start_session(Session& s, const std::string& program_directory, MessageSink& sink,
+                          const FatalHandler& handler, const StartSteps& steps) {
+    StartResult result;
+    // 1. Fixed tables and values.
+    initialise_session(s, program_directory);
+    s.stores.reset();
+    // 2 to 4. The option store: options, zodiac, aspect sets and colour sets.
+    if (!open_option_database(s, sink, handler)) return result;
+    result.started = true;
+    // 5. The event database.
+    result.events = open_event_store(s, sink);
+    // 6. Charts open in print mode: the colours of the print set apply.
+    s.chart.print_mode = true;
+    auto step = [&](const std::function<std::string(Session&)>& run) {
+        if (!run) return;
+        if (std::string problem = run(s); !problem.empty())
+            result.problems.push_back(std::move(problem));
+    };
+    // 7. The atlas.
+    step(steps.open_place_database);
+    // 8. The colour set of the print mode.
+    load_active_colour_set(s, sink);
+    // 9. The planet and asteroid tables.
+    step(steps.open_body_tables);
+    // 10, 11. The star tables and the fixed points' sigils.
+    step(steps.open_star_tables);
+    // 12. A biography database left over from an earlier run goes; a failure is of no account.
+    store::remove_store_file(std::filesystem::path(program_directory) / biography_event_file);
+    return result;
+}
+
+} // namespace celestark
