@@ -17,15 +17,28 @@ namespace celestark::testing {
 
 class ProgramFolder {
   public:
-    explicit ProgramFolder(bool with_options = true) {
+    explicit ProgramFolder(bool with_options = true, bool with_body_tables = true) {
+#ifdef CELESTARK_TABLES_DIR
+        // The built tables of the table-driven bodies, linked rather than copied.
+        if (with_body_tables)
+            for (const char* name : {"outer3.mdb", "asteroid.mdb"})
+                std::filesystem::create_symlink(std::filesystem::path(CELESTARK_TABLES_DIR) / name,
+                                                file(name));
+#else
+        (void)with_body_tables;
+#endif
         if (!with_options) return;
         std::string error;
         EXPECT_TRUE(store::build_option_database(file("option.mdb"),
                                                  store::standard_option_source(), error))
             << error;
     }
-    std::filesystem::path file(const std::string& name) const { return dir_.file(name); }
-    std::string path() const { return dir_.file("").parent_path().string(); }
+    std::filesystem::path file(const std::string& name) const {
+        return dir_.file(name);
+    }
+    std::string path() const {
+        return dir_.file("").parent_path().string();
+    }
 
     StartResult start(Session& s, const StartSteps& steps = {}) {
         return start_session(s, path(), sink, handler(), steps);
