@@ -6,6 +6,7 @@
 #include "engine/table_bodies.h"
 #include "engine/time_base.h"
 #include "engine/world_views.h"
+#include "engine/zodiac.h"
 #include "session/angles.h"
 #include "session/calendar.h"
 #include "session/constants.h"

@@ -6,9 +6,6 @@
 
 namespace celestark {
 
-void calculate_vernal_point(Session& s) {
-    s.engine.zodiac_offset = 0;
-}
 void calculate_houses(Session&) {}
 void add_chart_stars(Session&) {}
 void add_fixed_points(Session&) {}

@@ -6,8 +6,6 @@ namespace celestark {
 
 struct Session;
 
-// Sets zodiac_offset for the active zodiac.
-void calculate_vernal_point(Session& s);
 // Cusps and angles from local_sidereal_hours and latitude_rad.
 void calculate_houses(Session& s);
 // Additional stars and fixed points appended to the geo and chart lists.

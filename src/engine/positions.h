@@ -147,7 +147,8 @@ struct EngineState {
     int event_slot = 0;       // the slot of the last chart
     double local_sidereal_hours = 0;
 
-    double zodiac_offset = 0; // radians added to every longitude
+    double zodiac_offset = 0;         // radians added to every longitude
+    double zodiac_offset_degrees = 0; // the same in degrees, 0 to below 360
     double zodiac_offset_second = 0;
 
     // The heliocentric Earth of the last Sun calculation.
@@ -157,7 +158,8 @@ struct EngineState {
     double earth_rates_tau = 0;
     int earth_rates_level = 0; // 0: none yet
 
-    // Whether the stored tables answered for the last moment: Uranus to Pluto, the asteroids, Chiron.
+    // Whether the stored tables answered for the last moment: Uranus to Pluto, the asteroids,
+    // Chiron.
     bool outer_planets_ok = false;
     bool asteroid_table_ok = false, chiron_table_ok = false;
     long table_reads = 0; // positions read from the stored tables, for measurements

@@ -1,5 +1,6 @@
 #include "store/option_sets.h"
 
+#include "session/angles.h"
 #include "session/calendar.h"
 #include "session/session.h"
 #include "session/text.h"
@@ -42,9 +43,7 @@ void clear_aspects(AspectTable& t) {
 
 } // namespace
 
-double precession_from(double t) {
-    return (0.000616667 * t / 2.0 + 1.3960011) * t;
-}
+double precession_from(double t) { return general_precession(t); }
 
 ZodiacRecord read_zodiac_record(Recordset& rs) {
     ZodiacRecord r;
