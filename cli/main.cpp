@@ -1,5 +1,6 @@
 // celestark-cli: the command-line face of the engine. CSV with a header line on stdout; errors on
 // stderr with a non-zero exit.
+#include "houses.h"
 #include "positions.h"
 #include "session/angles.h"
 #include "session/calendar.h"
@@ -126,7 +127,9 @@ void usage() {
                 "  init DIR                 prepare a program folder\n"
                 "  start                    start a session in the current folder\n"
                 "  chart --db FILE --table NAME --row N\n"
-                "  build-options FILE\n");
+                "  build-options FILE\n"
+                "  houses (--armc DEG --lat DEG --eps DEG --system NAME | --list FILE)"
+                " [--polar NAME]\n");
 }
 
 } // namespace
@@ -146,6 +149,7 @@ int main(int argc, char** argv) {
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);
     if (command == "build-options") return cli::command_build_options(args.positional);
+    if (command == "houses") return cli::command_houses(args.options);
     usage();
     return fail("unknown command '" + command + "'");
 }
