@@ -248,8 +248,13 @@ Read table_body(Session& s, double jd, const BodyTable* table, int column, int e
 void outer_planet(Session& s, double jd, int column, int entry) {
     const BodyTables* tables = s.body_tables.get();
     if (!tables) {
-        // A session started without the stored tables has no outer planets.
-        s.engine.outer_planets_ok = false;
+        // A session started without the stored tables has no outer planets: their entries are
+        // cleared so that nothing stale is carried from call to call.
+        EngineState& e = s.engine;
+        e.outer_planets_ok = false;
+        const auto h = static_cast<std::size_t>(entry);
+        e.pos.helio_long[h] = e.pos.helio_lat[h] = e.pos.helio_dist[h] = 0;
+        e.pos.geo_long[h + 1] = e.pos.geo_lat[h + 1] = e.pos.geo_dist[h + 1] = 0;
         return;
     }
     if (table_body(s, jd, &tables->planets, column, entry) != Read::ok) {
