@@ -8,6 +8,7 @@
 #include "session/fixed_tables.h"
 #include "session/session.h"
 #include "session/text.h"
+#include "stars.h"
 #include "stores.h"
 
 #include <cmath>
@@ -129,7 +130,9 @@ void usage() {
                 "  chart --db FILE --table NAME --row N\n"
                 "  build-options FILE\n"
                 "  houses (--armc DEG --lat DEG --eps DEG --system NAME | --list FILE)"
-                " [--polar NAME]\n");
+                " [--polar NAME]\n"
+                "  stars (--jd JD | --tt JDE | --tt-list FILE) [--actual] --names NAME,...\n"
+                "  build-stars FILE --source DIR\n");
 }
 
 } // namespace
@@ -150,6 +153,8 @@ int main(int argc, char** argv) {
     if (command == "chart") return cli::command_chart(args.options);
     if (command == "build-options") return cli::command_build_options(args.positional);
     if (command == "houses") return cli::command_houses(args.options);
+    if (command == "stars") return cli::command_stars(args.options);
+    if (command == "build-stars") return cli::command_build_stars(args.positional, args.options);
     usage();
     return fail("unknown command '" + command + "'");
 }

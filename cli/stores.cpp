@@ -1,5 +1,6 @@
 #include "stores.h"
 
+#include "aspects.h"
 #include "engine/chart.h"
 #include "positions.h"
 #include "session/constants.h"
@@ -12,6 +13,7 @@
 #include "store/open_stores.h"
 #include "store/option_defaults.h"
 #include "store/option_schema.h"
+#include "store/star_catalogue.h"
 
 #include <cmath>
 #include <cstdio>
@@ -90,6 +92,10 @@ void print_state(Session& s, const StartResult& r) {
                 s.chart.polar_house_system.c_str(), s.chart.aspect_set_charts.c_str(),
                 s.option_sets.aspects.aspect_count, s.chart.display_colour_set.c_str(),
                 s.chart.print_colour_set.c_str());
+    if (s.stars.stores)
+        std::printf("Star catalogue: %lld stars, %d in charts, %zu fixed points\n",
+                    static_cast<long long>(s.stars.stores->stars.record_count()),
+                    s.stars.chart_star_count, s.stars.fixed_points.size());
     for (const std::string& p : r.problems) std::printf("Note: %s\n", p.c_str());
 }
 
@@ -184,6 +190,9 @@ int command_chart(const std::map<std::string, std::string>& options) {
         std::printf("%s,%.6f,%.6f,%.9f,%s\n", body_name(p.geo_glyph[k]).c_str(), lon,
                     p.geo_lat[k] * rad_to_deg, p.geo_dist[k], p.geo_retro[k + 1] == 'R' ? "R" : "");
     }
+    // Then the aspects of the chart list.
+    ConsoleSink messages;
+    if (load_chart_aspect_set(s, messages)) print_chart_aspects(s);
     return 0;
 }
 

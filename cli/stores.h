@@ -7,17 +7,18 @@
 
 namespace celestark::cli {
 
-// init DIR: makes DIR a program folder. The stores the build made (option.mdb and the body tables
-// of its data folder) are copied in where DIR lacks them, option.mdb is built from the program's
-// own first rows when there is none to copy, and a first start then makes the standard event
-// database. Nothing already in DIR is overwritten.
+// init DIR: makes DIR a program folder. The stores the build made (option.mdb, the body tables
+// and stars.mdb of its data folder) are copied in where DIR lacks them, option.mdb is built from
+// the program's own first rows when there is none to copy, and a first start then makes the
+// standard event database. Nothing already in DIR is overwritten.
 int command_init(const std::vector<std::string>& positional);
 
 // start: starts a session in the current directory and tells what it opened.
 int command_start();
 
 // chart --db FILE --table NAME --row N: the Nth event (1 = first in name order) of a stored event
-// table, calculated, as CSV "body,lon_deg,lat_deg,dist_au,retro".
+// table, calculated, as CSV "body,lon_deg,lat_deg,dist_au,retro"; then its aspects under the
+// charts' aspect set, as CSV "aspect,body_a,body_b,digraph,orb_deg" (cli/aspects.h).
 int command_chart(const std::map<std::string, std::string>& options);
 
 // build-options FILE: a new option.mdb from the program's own first rows (replacing FILE).

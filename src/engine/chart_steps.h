@@ -1,7 +1,7 @@
 #pragma once
-// Steps of a calculation that belong to their own parts of the engine: the vernal point, houses,
-// stars, fixed points and parts. Each reads and writes
-// the session's engine state.
+// Steps of a calculation that belong to their own parts of the engine: houses (houses.cpp), stars
+// (stars.cpp), fixed points and the part of Chiron (fixed_points.cpp). Each reads and writes the
+// session's engine state.
 namespace celestark {
 
 struct Session;

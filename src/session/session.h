@@ -2,10 +2,12 @@
 // The session: every value the system keeps for the length of a run, cut into plain structs named
 // after what they hold. Operations take the session explicitly; there is no global state, so two
 // sessions can live in one process (a test per case, a search on a worker thread with its own).
+#include "aspects/aspect_matrix.h"
 #include "engine/positions.h"
 #include "session/event.h"
 #include "session/messages.h"
 #include "session/option_state.h"
+#include "session/star_state.h"
 #include "session/text.h"
 
 #include <cstdint>
@@ -34,6 +36,7 @@ struct ChartSettings {
     std::int16_t helio_moon = 0; // the Moon as the last helio entry; every option reader clears it
     std::int16_t chiron = 0, sedna = 0, quaoar = 0, asteroids = 0, part_of_fortune = 0,
                  stars_in_charts = 0;
+    std::int16_t part_of_chiron = 0; // set by the chart builders that want the part of Chiron
     std::int16_t display_plan_degs = 0, display_agram = 0, zodiac_direction = 0;
     // House wheel: direction -1 (True) "Normal" or 0 "Oppostie"; start 0, 1 or 2 (engine/houses.h);
     // type -1 (True) "Normal" or 0 "Hermetic". The option readers overwrite these.
@@ -68,8 +71,12 @@ struct Session {
     std::shared_ptr<const BodyTables> body_tables;
     // The zodiac, aspect set and colour set loaded from the option stores.
     OptionSets option_sets;
+    // The aspect matrices of the last searches, one for each group of lists.
+    AspectMatrices aspect_matrices;
     // option.mdb and the event database, open from the start to the end of the session.
     std::shared_ptr<OpenStores> stores;
+    // stars.mdb, the star caches, the stars in charts and the fixed points.
+    StarState stars;
 };
 
 // Shows a fatal box through the session's sink and ends the process (or calls the handler).

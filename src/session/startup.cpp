@@ -4,6 +4,7 @@
 #include "session/session.h"
 #include "store/option_sets.h"
 #include "store/option_store.h"
+#include "store/star_catalogue.h"
 #include "store/store_files.h"
 
 #include <filesystem>
@@ -35,6 +36,18 @@ bool open_outer_and_asteroid_tables(Session& s, const std::string& program_direc
     return true;
 }
 
+// stars.mdb opened once for the session, then the star caches and the fixed points with their
+// sigils read from it. A file that cannot be opened ends the session, as the other stores do.
+bool open_and_load_star_tables(Session& s, MessageSink& sink) {
+    if (const std::string problem = open_star_tables(s); !problem.empty()) {
+        session_fatal(s, "OPEN STAR TABLES", problem + ". " + fatal_tail);
+        return false;
+    }
+    load_star_tables(s, sink);
+    load_fixed_points(s);
+    return true;
+}
+
 } // namespace
 
 StartResult start_session(Session& s, const std::string& program_directory, MessageSink& sink,
@@ -43,6 +56,7 @@ StartResult start_session(Session& s, const std::string& program_directory, Mess
     // 1. Fixed tables and values; the session's messages go where the start's go.
     initialise_session(s, program_directory);
     s.stores.reset();
+    s.stars = StarState{};
     s.sink = &sink;
     s.fatal_handler = handler;
     // 2 to 4. The option store: options, zodiac, aspect sets and colour sets.
@@ -66,8 +80,11 @@ StartResult start_session(Session& s, const std::string& program_directory, Mess
         step(steps.open_body_tables);
     else if (!open_outer_and_asteroid_tables(s, program_directory))
         return result;
-    // 10, 11. The star tables and the fixed points' sigils.
-    step(steps.open_star_tables);
+    // 10, 11. The star tables with the star caches, and the fixed points' sigils.
+    if (steps.open_star_tables)
+        step(steps.open_star_tables);
+    else if (!open_and_load_star_tables(s, sink))
+        return result;
     // 12. A biography database left over from an earlier run goes; a failure is of no account.
     store::remove_store_file(std::filesystem::path(program_directory) / biography_event_file);
     return result;

@@ -90,6 +90,9 @@ std::vector<GeneralField> make_general_fields() {
         }
     }
     number("star_zodiac_width", 8);
+    // The names of the twelve user star groups (sel_2, sel_3, sel_2_1 to sel_2_10).
+    for (int n = 1; n <= 12; ++n)
+        words("star_" + std::to_string(n), 40, "Star group " + std::to_string(n));
     flag("display_ecliptic", false);
     flag("display_equator", false);
     flag("display_horizon", false);

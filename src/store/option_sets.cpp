@@ -43,7 +43,9 @@ void clear_aspects(AspectTable& t) {
 
 } // namespace
 
-double precession_from(double t) { return general_precession(t); }
+double precession_from(double t) {
+    return general_precession(t);
+}
 
 ZodiacRecord read_zodiac_record(Recordset& rs) {
     ZodiacRecord r;
@@ -146,16 +148,17 @@ void load_aspect_set(Session& s, const std::string& name, MessageSink& sink) {
     if (name == "None") return;
     Recordset* rs = s.stores ? &s.stores->aspects : nullptr;
     if (!rs || !rs->is_open()) return;
-    Outcome o = rs->set_index(store::aspect_index);
-    if (o == Outcome::ok || o == Outcome::no_current_record) o = rs->seek(">=", {Value(name)});
-    if (o != Outcome::ok) return; // no row at or after the name: the set is empty
-
     auto problem = [&] {
         clear_aspects(t);
         sink.message("ERROR READING ASPECT SET",
                      "Problem reading aspect set " + name + ". Check that it is correct.",
                      MessageIcon::exclamation);
     };
+    Outcome o = rs->set_index(store::aspect_index);
+    if (o == Outcome::ok || o == Outcome::no_current_record) o = rs->seek(">=", {Value(name)});
+    if (o == Outcome::not_found) return; // no row at or after the name: the set is empty
+    if (o != Outcome::ok) return problem();
+
     static constexpr const char* orb_fields[5][2] = {{"sun_degs", "sun_mins"},
                                                      {"moon_degs", "moon_mins"},
                                                      {"planets_degs", "planets_mins"},

@@ -17,15 +17,21 @@ namespace celestark::testing {
 
 class ProgramFolder {
   public:
-    explicit ProgramFolder(bool with_options = true, bool with_body_tables = true) {
+    explicit ProgramFolder(bool with_options = true, bool with_body_tables = true,
+                           bool with_star_tables = true) {
 #ifdef CELESTARK_TABLES_DIR
         // The built tables of the table-driven bodies, linked rather than copied.
         if (with_body_tables)
             for (const char* name : {"outer3.mdb", "asteroid.mdb"})
                 std::filesystem::create_symlink(std::filesystem::path(CELESTARK_TABLES_DIR) / name,
                                                 file(name));
+        // The built star catalogue, copied: a session writes into its stars.mdb.
+        if (with_star_tables)
+            std::filesystem::copy_file(std::filesystem::path(CELESTARK_TABLES_DIR) / "stars.mdb",
+                                       file("stars.mdb"));
 #else
         (void)with_body_tables;
+        (void)with_star_tables;
 #endif
         if (!with_options) return;
         std::string error;

@@ -1,0 +1,100 @@
+#pragma once
+// The star values a session keeps: the two star caches that load_star_tables fills from the
+// catalogue in stars.mdb, the glyphs of the stars in charts, and the fixed points of the table
+// `fixed`. A chart reads these and never a star row.
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace celestark {
+
+struct StarStores; // store/star_catalogue.h
+
+// The glyph codes of stars in charts: eight codes of the symbol font that no body, sign, aspect
+// or chart point uses. The drawing's glyph table draws each as a star mark with its letter; the
+// catalogue gives them to the eight stars of "Star Group for charts" (the letter recalls the
+// star), and any star may take any of them on the star database screen.
+struct StarMark {
+    unsigned char code;
+    char letter;
+    const char* star; // the star that has it in a new catalogue
+};
+inline constexpr std::array<StarMark, 8> star_marks = {{{182, 'A', "Aldebaran"},
+                                                        {183, 'R', "Regulus"},
+                                                        {184, 'N', "Antares"},
+                                                        {185, 'F', "Fomalhaut"},
+                                                        {186, 'S', "Spica"},
+                                                        {187, 'P', "Pollux"},
+                                                        {188, 'L', "Alcyone"},
+                                                        {189, 'D', "Sirius"}}};
+// Whether a code is one of the star marks.
+constexpr bool is_star_mark(unsigned char code) {
+    return code >= star_marks.front().code && code <= star_marks.back().code;
+}
+
+// The star cache: 14 constellation rows (1 Aries to 12 Pisces, 13 Ophiuchus, 14 every other
+// constellation) by 800 star numbers, both counted from 1.
+inline constexpr int star_cache_rows = 14;
+inline constexpr int star_cache_numbers = 800;
+inline constexpr int max_chart_stars = 8;
+
+struct StarCacheCell {
+    double ra = 0, dec = 0;            // J2000, radians
+    float longitude = 0, latitude = 0; // J2000 ecliptic, degrees, as the catalogue shows them
+    float pm_ra = 0, pm_dec = 0;       // radians a year; pm_ra is the change of right ascension
+    float magnitude = 0, absolute_magnitude = 0;
+    bool in_zodiac = false;                     // false too for an excluded star
+    std::int32_t line_to = 0, line_to_2 = 0;    // numbers in the same constellation, 0 none
+    std::int32_t line_to_hd = 0, hd_number = 0; // HD numbers
+    bool filled = false;
+};
+
+// A star of "Star Group for charts".
+struct ChartStar {
+    double ra = 0, dec = 0;             // J2000, radians
+    double longitude = 0, latitude = 0; // J2000 ecliptic, degrees
+    double pm_ra = 0, pm_dec = 0;       // radians a year
+    float magnitude = 0;
+    std::string star_name;
+    unsigned char glyph = 0;
+};
+
+// A row of the table `fixed`.
+struct FixedPoint {
+    std::string name;
+    bool active = false;
+    std::string zodiac;
+    double degs = 0, mins = 0;
+    std::string world_view;
+    unsigned char sigil = 0;
+};
+
+struct StarState {
+    // Cell (row, number) at (row - 1) * star_cache_numbers + number - 1; empty until loaded.
+    std::vector<StarCacheCell> star_cache;
+    std::array<int, star_cache_rows> star_count{}; // the highest number met in each row
+    std::array<ChartStar, max_chart_stars> chart_star_cache;
+    int chart_star_count = 0; // 0 whenever the group is invalid
+    // The glyphs of the stars in charts in cache order; 0 for an empty entry, which never matches
+    // a glyph. Cleared with the group.
+    std::array<unsigned char, max_chart_stars> star_glyphs{};
+    // The sigil of every row of `fixed`, in table order.
+    std::vector<unsigned char> fixed_sigils;
+    // The rows of `fixed` in table order, read again when the store has changed since.
+    std::vector<FixedPoint> fixed_points;
+    std::uint64_t fixed_points_read_at = 0; // the store's change count when they were read
+    bool fixed_points_read = false;
+    // stars.mdb with its tables `stars` (under `star`) and `fixed`, open for the session.
+    std::shared_ptr<StarStores> stores;
+
+    const StarCacheCell& cell(int row, int number) const {
+        return star_cache[static_cast<std::size_t>((row - 1) * star_cache_numbers + number - 1)];
+    }
+    StarCacheCell& cell(int row, int number) {
+        return star_cache[static_cast<std::size_t>((row - 1) * star_cache_numbers + number - 1)];
+    }
+};
+
+} // namespace celestark
