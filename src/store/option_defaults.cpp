@@ -1,5 +1,7 @@
 #include "store/option_defaults.h"
 
+#include "store/store_files.h"
+
 #include "store/option_schema.h"
 #include "store/sqlite_support.h"
 #include "store/table_store.h"
@@ -48,16 +50,6 @@ std::string at_line(int line, const std::string& what) {
 }
 
 // The file's write-ahead log and journal; with `and_file` the file too.
-void remove_with_log(const fs::path& file, bool and_file = true) {
-    std::error_code ec;
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-        if (!and_file && *suffix == '\0') continue;
-        fs::path p = file;
-        p += suffix;
-        fs::remove(p, ec);
-    }
-}
-
 // The value to store in `field` for the text of the source.
 bool stored_value(const FieldDef& field, const std::string& written, const OptionSource& source,
                   Value& out, std::string& why) {
@@ -210,23 +202,13 @@ bool build_option_database(const fs::path& file, std::string_view source, std::s
         }
     }
 
-    fs::path temporary = file;
-    temporary += ".new";
-    remove_with_log(temporary);
-    bool built = false;
-    {
-        TableStore db;
-        if (Outcome o = db.create(temporary); o != Outcome::ok) {
-            error = "cannot create " + temporary.string() + ": " + db.last_error();
-            return false;
-        }
-        auto fail = [&](const std::string& why) {
-            error = why;
-            return false;
-        };
-        built = [&] {
-            Transaction work = db.begin_transaction();
-            if (!work.active()) return fail("cannot write: " + db.last_error());
+    return build_store_file(
+        file,
+        [&](TableStore& db, std::string& why_not) {
+            auto fail = [&](const std::string& why) {
+                why_not = why;
+                return false;
+            };
             for (const OptionTableDef& t : option_tables())
                 if (db.create_table(t.name, t.fields, t.indexes) != Outcome::ok)
                     return fail("cannot create table " + t.name + ": " + db.last_error());
@@ -258,25 +240,9 @@ bool build_option_database(const fs::path& file, std::string_view source, std::s
                     return fail(
                         at_line(row.line, "row of " + def.name + ": " + std::string(describe(o))));
             }
-            if (work.commit() != Outcome::ok) return fail("cannot write: " + db.last_error());
             return true;
-        }();
-        if (built && db.check_integrity() != Outcome::ok) built = fail("the new file is damaged");
-    }
-    if (!built) {
-        remove_with_log(temporary);
-        return false;
-    }
-    std::error_code ec;
-    // The log of an older file must not meet the new one; the file itself is replaced in one step.
-    remove_with_log(file, false);
-    fs::rename(temporary, file, ec);
-    if (ec) {
-        error = "cannot move the new file into place: " + ec.message();
-        remove_with_log(temporary);
-        return false;
-    }
-    return true;
+        },
+        error);
 }
 
 } // namespace celestark::store

@@ -376,16 +376,6 @@ bool write_catalogue(TableStore& db, const CsvTable& stars, const CsvTable& name
     return true;
 }
 
-void remove_with_logs(const fs::path& file, bool and_file = true) {
-    std::error_code ec;
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-        if (!and_file && *suffix == '\0') continue;
-        fs::path p = file;
-        p += suffix;
-        fs::remove(p, ec);
-    }
-}
-
 } // namespace
 
 bool build_star_database(const fs::path& source_folder, const fs::path& file, std::string& error) {
@@ -398,52 +388,16 @@ bool build_star_database(const fs::path& source_folder, const fs::path& file, st
                   error))
         return false;
 
-    fs::path temporary = file;
-    temporary += ".new";
-    remove_with_logs(temporary);
-    bool built = false;
-    {
-        TableStore db;
-        if (db.create(temporary) != Outcome::ok) {
-            error = "cannot create " + temporary.string() + ": " + db.last_error();
-            return false;
-        }
-        built = [&] {
-            store::Transaction work = db.begin_transaction();
-            if (!work.active()) {
-                error = "cannot write: " + db.last_error();
-                return false;
-            }
+    return store::build_store_file(
+        file,
+        [&](TableStore& db, std::string& why_not) {
             if (create_star_tables(db) != Outcome::ok) {
-                error = "cannot create the tables: " + db.last_error();
+                why_not = "cannot create the tables: " + db.last_error();
                 return false;
             }
-            if (!write_catalogue(db, stars, names, error)) return false;
-            if (work.commit() != Outcome::ok) {
-                error = "cannot write: " + db.last_error();
-                return false;
-            }
-            return true;
-        }();
-        if (built && db.check_integrity() != Outcome::ok) {
-            error = "the new file is damaged";
-            built = false;
-        }
-    }
-    if (!built) {
-        remove_with_logs(temporary);
-        return false;
-    }
-    // The log of an older file must not meet the new one; the file is replaced in one step.
-    remove_with_logs(file, false);
-    std::error_code ec;
-    fs::rename(temporary, file, ec);
-    if (ec) {
-        error = "cannot move the new file into place: " + ec.message();
-        remove_with_logs(temporary);
-        return false;
-    }
-    return true;
+            return write_catalogue(db, stars, names, why_not);
+        },
+        error);
 }
 
 } // namespace celestark
