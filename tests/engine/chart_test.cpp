@@ -1,6 +1,7 @@
 #include "engine/chart.h"
 #include "engine/moon.h"
 #include "engine/time_base.h"
+#include "event_rows.h"
 #include "reference_data.h"
 #include "session/angles.h"
 #include "session/calendar.h"
@@ -27,19 +28,7 @@ Session make_session() {
     return s;
 }
 
-// A Greenwich-time event in user slot 1.
-void set_event(Session& s, int day, int month, int year, int hours) {
-    EventRow& r = s.event_slots[1];
-    r = make_default_event();
-    r[col::day] = std::to_string(day);
-    r[col::month] = std::to_string(month);
-    r[col::year] = std::to_string(year);
-    r[col::gj] = "G";
-    r[col::hours] = std::to_string(hours);
-    r[col::lz] = "Z";
-    r[col::med_deg] = "0";
-    r[col::dst] = "0";
-}
+using testing::set_event;
 
 TEST(TimeBase, EphemerisTimeAndPowers) {
     TimeBase t;

@@ -8,6 +8,7 @@
 #include "engine/star_analysis.h"
 #include "engine/stars.h"
 #include "engine/table_bodies.h"
+#include "event_rows.h"
 #include "session/angles.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
@@ -195,19 +196,7 @@ TEST(StarOrb, EachSetByItsRule) {
             << "set " << c.set << " m " << c.magnitude << " M " << c.absolute;
 }
 
-// A Greenwich-time event in user slot 1.
-void set_event(Session& s, int day, int month, int year, int hours) {
-    EventRow& r = s.event_slots[1];
-    r = make_default_event();
-    r[col::day] = std::to_string(day);
-    r[col::month] = std::to_string(month);
-    r[col::year] = std::to_string(year);
-    r[col::gj] = "G";
-    r[col::hours] = std::to_string(hours);
-    r[col::lz] = "Z";
-    r[col::med_deg] = "0";
-    r[col::dst] = "0";
-}
+using testing::set_event;
 
 class ChartStars : public ::testing::Test {
   protected:
