@@ -2,6 +2,7 @@
 // switched on (Sun to Pluto, Chiron, the four asteroids, Quaoar and Sedna), over moments spread
 // through the years so that no two calls see the same arguments.
 #include "engine/chart.h"
+#include "engine/houses.h"
 #include "engine/table_bodies.h"
 #include "session/constants.h"
 #include "session/session.h"
@@ -35,10 +36,15 @@ void BM_calculate_bodies_at(benchmark::State& state) {
 }
 BENCHMARK(BM_calculate_bodies_at)->Arg(1)->Arg(2)->Arg(3)->Unit(benchmark::kMicrosecond);
 
+// Arguments: retrograde marks (0 or 1) and the house system by its place in house_system_names.
 void BM_calculate_chart(benchmark::State& state) {
     Session s = bench_session(1);
     s.chart.moon_node = 1;
     s.chart.moon_peri = 1;
+    s.chart.part_of_fortune = 1;
+    s.chart.house_system =
+        std::string(house_system_names[static_cast<std::size_t>(state.range(1))]);
+    state.SetLabel(s.chart.house_system);
     EventRow& row = s.event_slots[slot::work];
     row = make_default_event();
     row[col::gj] = "G";
@@ -52,6 +58,9 @@ void BM_calculate_chart(benchmark::State& state) {
         ++i;
     }
 }
-BENCHMARK(BM_calculate_chart)->Arg(0)->Arg(1)->ArgName("retrograde")->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_calculate_chart)
+    ->ArgsProduct({{0, 1}, {0, 4, 7, 9, 10}}) // None, Porphyry, Koch, Placidus, Campanus
+    ->ArgNames({"retrograde", "houses"})
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace

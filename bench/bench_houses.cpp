@@ -34,33 +34,4 @@ void BM_compute_houses(benchmark::State& state) {
 }
 BENCHMARK(BM_compute_houses)->DenseRange(1, 10)->Unit(benchmark::kNanosecond);
 
-void BM_calculate_chart_with_houses(benchmark::State& state) {
-    const auto system = house_system_names[static_cast<std::size_t>(state.range(0))];
-    state.SetLabel(std::string(system));
-    Session s;
-    initialise_session(s, ".");
-    s.chart.house_system = std::string(system);
-    s.chart.part_of_fortune = 1;
-    s.chart.moon_node = 1;
-    EventRow& row = s.event_slots[slot::work];
-    row = make_default_event();
-    row[col::gj] = "G";
-    row[col::year] = "1990";
-    int i = 0;
-    for (auto _ : state) {
-        row[col::day] = std::to_string(1 + i % 28);
-        row[col::month] = std::to_string(1 + (i / 28) % 12);
-        calculate_chart(s, slot::work, false);
-        benchmark::DoNotOptimize(s.engine.house_cusps[2]);
-        ++i;
-    }
-}
-BENCHMARK(BM_calculate_chart_with_houses)
-    ->Arg(0)  // None
-    ->Arg(4)  // Porphyry
-    ->Arg(7)  // Koch
-    ->Arg(9)  // Placidus
-    ->Arg(10) // Campanus
-    ->Unit(benchmark::kMicrosecond);
-
 } // namespace
