@@ -8,7 +8,11 @@ namespace celestark {
 
 void fatal_error(MessageSink& sink, const std::string& operation, const std::string& text,
                  const FatalHandler& handler) {
-    const std::string title = "Fatal Error in " + to_upper(operation);
+    fatal_box(sink, "Fatal Error in " + to_upper(operation), text, handler);
+}
+
+void fatal_box(MessageSink& sink, const std::string& title, const std::string& text,
+               const FatalHandler& handler) {
     sink.message(title, text, MessageIcon::information);
     if (handler) {
         handler(title, text);

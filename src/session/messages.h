@@ -60,6 +60,10 @@ using FatalHandler = std::function<void(const std::string& title, const std::str
 void fatal_error(MessageSink& sink, const std::string& operation, const std::string& text,
                  const FatalHandler& handler = {});
 
+// The same with the whole title given as it is written (some titles keep small letters).
+void fatal_box(MessageSink& sink, const std::string& title, const std::string& text,
+               const FatalHandler& handler = {});
+
 // "CK<n>-Error <number> - <description>" + the rest, the shape of the fatal texts of the stores.
 std::string ck_text(int code, long number, const std::string& description, const std::string& rest);
 

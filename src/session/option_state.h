@@ -1,6 +1,8 @@
 #pragma once
 // Session values loaded from the option stores: the active zodiac's record and boundaries, the
 // active aspect set as parallel lists, and the active colour set.
+#include "session/colour_fields.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -37,7 +39,7 @@ struct AspectTable {
 // A colour set: its name ("None" means monochrome), and the 138 values of the colour table in
 // field order, colours as 0x00BBGGRR.
 struct ColourSet {
-    static constexpr int value_count = 138;
+    static constexpr int value_count = colour_field::count;
     std::string name = "None";
     std::string display_or_printer;
     std::array<std::int32_t, value_count> values{};

@@ -33,8 +33,16 @@ class StderrSink : public MessageSink {
 } // namespace
 
 void session_fatal(Session& session, const std::string& operation, const std::string& text) {
-    StderrSink fallback;
-    fatal_error(session.sink ? *session.sink : fallback, operation, text, session.fatal_handler);
+    fatal_error(session_sink(session), operation, text, session.fatal_handler);
+}
+
+void session_fatal_box(Session& session, const std::string& title, const std::string& text) {
+    fatal_box(session_sink(session), title, text, session.fatal_handler);
+}
+
+MessageSink& session_sink(Session& session) {
+    static StderrSink fallback;
+    return session.sink ? *session.sink : fallback;
 }
 
 } // namespace celestark

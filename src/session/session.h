@@ -4,6 +4,7 @@
 // sessions can live in one process (a test per case, a search on a worker thread with its own).
 #include "aspects/aspect_matrix.h"
 #include "engine/positions.h"
+#include "session/drawing_state.h"
 #include "session/event.h"
 #include "session/messages.h"
 #include "session/option_state.h"
@@ -77,10 +78,16 @@ struct Session {
     std::shared_ptr<OpenStores> stores;
     // stars.mdb, the star caches, the stars in charts and the fixed points.
     StarState stars;
+    // Where pages go, their frame, the wheel's plot list and ring, the table sizes.
+    DrawingState drawing;
 };
 
 // Shows a fatal box through the session's sink and ends the process (or calls the handler).
 void session_fatal(Session& session, const std::string& operation, const std::string& text);
+// The same with the whole title as it is written.
+void session_fatal_box(Session& session, const std::string& title, const std::string& text);
+// The session's sink, or one that writes to standard error when it has none.
+MessageSink& session_sink(Session& session);
 
 // Step one of the start: fixed values and the slot table, with the default event in row 21.
 void initialise_session(Session& session, std::string program_directory);

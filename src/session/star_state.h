@@ -80,6 +80,8 @@ struct StarState {
     // The glyphs of the stars in charts in cache order; 0 for an empty entry, which never matches
     // a glyph. Cleared with the group.
     std::array<unsigned char, max_chart_stars> star_glyphs{};
+    // The glyphs of the twelve stars of the star zodiac, filled by a star group; 0 is empty.
+    std::array<unsigned char, 12> star_zodiac_glyphs{};
     // The sigil of every row of `fixed`, in table order.
     std::vector<unsigned char> fixed_sigils;
     // The rows of `fixed` in table order, read again when the store has changed since.

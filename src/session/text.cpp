@@ -257,8 +257,7 @@ std::string format_position_dms(double radians, bool sign_form) {
     const long long total = rounded(norm_deg(radians * rad_to_deg), 3600.0) % (360 * 3600);
     const Dms a = split_seconds(total);
     if (sign_form)
-        return pad_left(number_text(a.d % 30), 2) + sign_mark(a.d / 30) +
-               pad_left(number_text(a.m), 2) + pad_left(number_text(a.s), 2) + "\"";
+        return pad_left(number_text(a.d % 30), 2) + sign_mark(a.d / 30) + dms_tail(a.m, a.s);
     return format_long_dms(radians).substr(1);
 }
 

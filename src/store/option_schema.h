@@ -1,6 +1,7 @@
 #pragma once
 // The shape of option.mdb: five tables, their fields and indexes, the values that a null field of
 // `option_name` takes (and is written back as), and what a null field of `options` is read as.
+#include "session/colour_fields.h"
 #include "store/store_types.h"
 
 #include <array>
@@ -50,7 +51,7 @@ const std::vector<OptionDefault>& general_option_defaults();
 const std::vector<OptionDefault>& chart_option_defaults();
 
 // The 138 values of a colour set, in table order after `Name` and `display_or_printer`.
-inline constexpr int colour_value_count = 138;
+inline constexpr int colour_value_count = colour_field::count;
 const std::array<std::string_view, colour_value_count>& colour_value_fields();
 // Whether a colour value field holds a colour (false: a 16-bit choice such as `print_embryo`).
 bool is_colour_field(std::string_view field);

@@ -105,7 +105,7 @@ TEST(TextForms, PositionsInSignsAndDegrees) {
     EXPECT_EQ(format_position_dms((359 + 59.0 / 60 + 59.9 / 3600) * d2r, false),
               "  0" + deg + " 0" + min + " 0\"");
     EXPECT_EQ(format_position_dms((100 + 1.0 / 60 + 2.0 / 3600) * d2r, true),
-              "10" + sign(3) + " 1 2\"");
+              "10" + sign(3) + " 1" + min + " 2\"");
 }
 
 TEST(Conversions, SplitHoursAndDayFraction) {
