@@ -1,5 +1,7 @@
 #include "houses.h"
 
+#include "event_options.h"
+
 #include "engine/houses.h"
 #include "positions.h"
 #include "session/constants.h"
@@ -30,15 +32,6 @@ std::optional<std::string_view> system_text(const std::string& name) {
         for (const auto& [letter, text] : letters)
             if (name[0] == letter) return text;
     return std::nullopt;
-}
-
-std::optional<double> strict_number(const std::string& text) {
-    const std::string t = trim(text);
-    if (t.empty()) return std::nullopt;
-    char* end = nullptr;
-    const double v = std::strtod(t.c_str(), &end);
-    if (end != t.c_str() + t.size() || !std::isfinite(v)) return std::nullopt;
-    return v;
 }
 
 struct Case {

@@ -2,6 +2,7 @@
 // stderr with a non-zero exit.
 #include "houses.h"
 #include "positions.h"
+#include "render.h"
 #include "session/angles.h"
 #include "session/calendar.h"
 #include "session/event_time.h"
@@ -124,15 +125,21 @@ void usage() {
                 "  default-event\n"
                 "  positions (--jd JD | --tt JDE | --tt-list FILE) [--view geo|helio|lemni|tycho]\n"
                 "            [--level 1|2|3] [--actual] [--all-bodies]\n"
-                "  bench --moments N --step DAYS --level L [--what bodies|chart]\n"
+                "  bench --moments N --step DAYS --level L [--what bodies|chart|render]\n"
                 "  init DIR                 prepare a program folder\n"
                 "  start                    start a session in the current folder\n"
-                "  chart --db FILE --table NAME --row N\n"
+                "  chart (--db FILE --table NAME --row N | EVENT)\n"
+                "  render --page WORD --out FILE.png|.pdf|.svg (--db FILE --table NAME --row N |"
+                " EVENT)\n"
+                "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
+                "         [--printing] [--width PIXELS] [--layout FILE.json]\n"
                 "  build-options FILE\n"
                 "  houses (--armc DEG --lat DEG --eps DEG --system NAME | --list FILE)"
                 " [--polar NAME]\n"
                 "  stars (--jd JD | --tt JDE | --tt-list FILE) [--actual] --names NAME,...\n"
-                "  build-stars FILE --source DIR\n");
+                "  build-stars FILE --source DIR\n"
+                "EVENT: --date Y-M-D --time h:m:s --zone ZONE --lat 51N30 --lon 0W07 [--cal G|J]"
+                " [--name TEXT]\n");
 }
 
 } // namespace
@@ -147,7 +154,13 @@ int main(int argc, char** argv) {
     if (command == "jd") return command_jd(args);
     if (command == "default-event") return command_default_event();
     if (command == "positions") return cli::command_positions(args.options);
-    if (command == "bench") return cli::command_bench(args.options);
+    if (command == "bench") {
+        const auto what = args.options.find("what");
+        if (what != args.options.end() && what->second == "render")
+            return cli::command_bench_render(args.options);
+        return cli::command_bench(args.options);
+    }
+    if (command == "render") return cli::command_render(args.options);
     if (command == "init") return cli::command_init(args.positional);
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);

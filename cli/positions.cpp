@@ -2,8 +2,10 @@
 
 #include "engine/chart.h"
 #include "engine/table_bodies.h"
+#include "event_options.h"
 #include "session/angles.h"
 #include "session/constants.h"
+#include "session/event_time.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
 #include "session/text.h"
@@ -109,13 +111,6 @@ bool attach_body_tables(Session& s) {
 
 namespace {
 
-bool parse_number_option(const Options& o, const char* name, double& out) {
-    const auto it = o.find(name);
-    if (it == o.end()) return false;
-    out = text_to_number(it->second);
-    return true;
-}
-
 bool is_outer(unsigned char code) {
     return code == glyph::uranus || code == glyph::neptune || code == glyph::pluto;
 }
@@ -134,30 +129,15 @@ void print_list(double jd_tt, const double* lon, const double* lat, const double
 int command_positions(const Options& o) {
     // The moments, as Universal Time with the ephemeris time printed beside each.
     std::vector<double> moments_ut;
-    double value = 0;
-    if (parse_number_option(o, "jd", value)) {
-        moments_ut.push_back(value);
-    } else if (parse_number_option(o, "tt", value)) {
-        moments_ut.push_back(ut_from_ephemeris_time(value));
-    } else if (const auto it = o.find("tt-list"); it != o.end()) {
-        std::ifstream in(it->second);
-        if (!in) return fail("cannot read " + it->second);
-        std::string line;
-        while (std::getline(in, line)) {
-            const std::string t = trim(line);
-            if (t.empty() || t[0] == '#') continue;
-            moments_ut.push_back(ut_from_ephemeris_time(text_to_number(t)));
-        }
-    } else {
-        return fail("positions needs --jd JD, --tt JDE or --tt-list FILE");
-    }
+    std::string error;
+    if (!read_moments(o, moments_ut, error)) return fail("positions: " + error);
 
     std::string view = "geo";
     if (const auto it = o.find("view"); it != o.end()) view = it->second;
     if (view != "geo" && view != "helio" && view != "lemni" && view != "tycho")
         return fail("--view must be geo, helio, lemni or tycho");
     double level = 1;
-    parse_number_option(o, "level", level);
+    if (!number_option(o, "level", level, error) && !error.empty()) return fail(error);
     if (level != 1 && level != 2 && level != 3) return fail("--level must be 1, 2 or 3");
 
     Session s;
@@ -192,9 +172,10 @@ int command_positions(const Options& o) {
 
 int command_bench(const Options& o) {
     double moments = 1000, step = 1, level = 1;
-    parse_number_option(o, "moments", moments);
-    parse_number_option(o, "step", step);
-    parse_number_option(o, "level", level);
+    std::string error;
+    for (auto [name, out] :
+         {std::pair<const char*, double*>{"moments", &moments}, {"step", &step}, {"level", &level}})
+        if (!number_option(o, name, *out, error) && !error.empty()) return fail(error);
     if (moments < 1 || moments > 1e7) return fail("--moments must be 1 to 10000000");
     if (level != 1 && level != 2 && level != 3) return fail("--level must be 1, 2 or 3");
     std::string what = "bodies";

@@ -1,5 +1,7 @@
 #include "stars.h"
 
+#include "event_options.h"
+
 #include "engine/chart.h"
 #include "engine/stars.h"
 #include "positions.h"
@@ -53,27 +55,8 @@ struct NamedStar {
 
 int command_stars(const std::map<std::string, std::string>& o) {
     std::vector<double> moments_ut;
-    double jd = 0;
-    if (const auto it = o.find("jd"); it != o.end()) {
-        if (!store::parse_number(it->second, jd)) return fail("--jd must be a Julian date");
-        moments_ut.push_back(jd);
-    } else if (const auto tt = o.find("tt"); tt != o.end()) {
-        if (!store::parse_number(tt->second, jd)) return fail("--tt must be a Julian date");
-        moments_ut.push_back(ut_from_ephemeris_time(jd));
-    } else if (const auto list = o.find("tt-list"); list != o.end()) {
-        std::ifstream in(list->second);
-        if (!in) return fail("cannot read " + list->second);
-        std::string line;
-        for (int n = 1; std::getline(in, line); ++n) {
-            const std::string t = trim(line);
-            if (t.empty() || t[0] == '#') continue;
-            if (!store::parse_number(t, jd))
-                return fail(list->second + ", line " + std::to_string(n) + ": not a Julian date");
-            moments_ut.push_back(ut_from_ephemeris_time(jd));
-        }
-    } else {
-        return fail("stars needs --jd JD, --tt JDE or --tt-list FILE");
-    }
+    std::string error;
+    if (!read_moments(o, moments_ut, error)) return fail("stars: " + error);
     const auto names_it = o.find("names");
     if (names_it == o.end()) return fail("stars needs --names NAME,...");
     const std::vector<std::string> names = split_names(names_it->second);

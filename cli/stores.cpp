@@ -2,6 +2,7 @@
 
 #include "aspects.h"
 #include "engine/chart.h"
+#include "event_options.h"
 #include "positions.h"
 #include "session/constants.h"
 #include "session/event_input.h"
@@ -24,25 +25,6 @@ namespace celestark::cli {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// Boxes go to standard error; questions are answered No.
-class ConsoleSink : public MessageSink {
-  public:
-    void message(const std::string& title, const std::string& text, MessageIcon) override {
-        std::fprintf(stderr, "[%s] %s\n", title.c_str(), text.c_str());
-    }
-    bool ask(const std::string& title, const std::string& text) override {
-        std::fprintf(stderr, "[%s] %s - answered No\n", title.c_str(), text.c_str());
-        return false;
-    }
-    void input_error(const std::string& line) override {
-        std::fprintf(stderr, "%s\n", line.c_str());
-    }
-};
-
-// The data folder of the build this program runs from, where the build leaves the stores it
-// makes; empty when there is none.
 fs::path built_stores_folder() {
     std::error_code ec;
     const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
@@ -50,6 +32,8 @@ fs::path built_stores_folder() {
     const fs::path data = exe.parent_path().parent_path() / "data";
     return fs::is_directory(data, ec) ? data : fs::path();
 }
+
+namespace {
 
 // Copies `from` to `to` unless `to` exists: under a temporary name first, so that an interrupted
 // copy never leaves a partial store under the real name.
@@ -66,12 +50,6 @@ bool copy_missing(const fs::path& from, const fs::path& to, std::string& why) {
         return false;
     }
     return true;
-}
-
-StartResult start_in(Session& s, const fs::path& folder, MessageSink& sink, bool& fatal) {
-    fatal = false;
-    return start_session(s, folder.string(), sink,
-                         [&](const std::string&, const std::string&) { fatal = true; });
 }
 
 void print_state(Session& s, const StartResult& r) {
@@ -101,32 +79,50 @@ void print_state(Session& s, const StartResult& r) {
 
 } // namespace
 
-int command_init(const std::vector<std::string>& positional) {
-    if (positional.size() != 1) return fail("init needs the folder: init DIR");
-    const fs::path dir = fs::absolute(positional[0]);
+bool prepare_program_folder(const fs::path& dir, bool tell, std::string& error) {
     std::error_code ec;
     fs::create_directories(dir, ec);
-    if (!fs::is_directory(dir, ec)) return fail("cannot make the folder " + dir.string());
-
+    if (!fs::is_directory(dir, ec)) {
+        error = "cannot make the folder " + dir.string();
+        return false;
+    }
     const fs::path built = built_stores_folder();
     if (!built.empty()) {
         for (fs::directory_iterator it(built, ec), end; !ec && it != end; it.increment(ec)) {
             const fs::path from = it->path();
             if (!it->is_regular_file() || from.extension() != ".mdb") continue;
             std::string why;
-            if (copy_missing(from, dir / from.filename(), why))
-                std::printf("Copied %s\n", from.filename().string().c_str());
-            else if (!why.empty())
-                return fail("cannot copy " + from.filename().string() + ": " + why);
+            if (copy_missing(from, dir / from.filename(), why)) {
+                if (tell) std::printf("Copied %s\n", from.filename().string().c_str());
+            } else if (!why.empty()) {
+                error = "cannot copy " + from.filename().string() + ": " + why;
+                return false;
+            }
         }
     }
     const fs::path options = dir / store::option_file_name;
     if (!fs::exists(options, ec)) {
-        std::string error;
-        if (!store::build_option_database(options, store::standard_option_source(), error))
-            return fail("cannot build option.mdb: " + error);
-        std::printf("Built option.mdb\n");
+        std::string why;
+        if (!store::build_option_database(options, store::standard_option_source(), why)) {
+            error = "cannot build option.mdb: " + why;
+            return false;
+        }
+        if (tell) std::printf("Built option.mdb\n");
     }
+    return true;
+}
+
+StartResult start_in(Session& s, const fs::path& folder, MessageSink& sink, bool& fatal) {
+    fatal = false;
+    return start_session(s, folder.string(), sink,
+                         [&](const std::string&, const std::string&) { fatal = true; });
+}
+
+int command_init(const std::vector<std::string>& positional) {
+    if (positional.size() != 1) return fail("init needs the folder: init DIR");
+    const fs::path dir = fs::absolute(positional[0]);
+    std::string error;
+    if (!prepare_program_folder(dir, true, error)) return fail(error);
 
     Session s;
     ConsoleSink sink;
@@ -148,35 +144,11 @@ int command_start() {
 }
 
 int command_chart(const std::map<std::string, std::string>& options) {
-    const auto db = options.find("db"), table = options.find("table"), row = options.find("row");
-    if (db == options.end() || table == options.end() || row == options.end())
-        return fail("chart needs --db FILE --table NAME --row N");
-    const std::string row_text = trim(row->second);
-    if (row_text.empty() || row_text.find_first_not_of("0123456789") != std::string::npos)
-        return fail("--row must be a whole number from 1");
-    const long long wanted = std::atoll(row_text.c_str());
-    if (wanted < 1) return fail("--row must be a whole number from 1");
-
-    store::TableStore file;
-    store::Recordset records;
-    const store::Outcome o = open_event_file(db->second, table->second, file, records,
-                                             store::TableStore::Access::read_only);
-    if (o == store::Outcome::bad_definition)
-        return fail("the table " + table->second + " of " + db->second +
-                    " is not an event table: it lacks the event fields or their index");
-    if (o != store::Outcome::ok)
-        return fail("cannot open the table " + table->second + " of " + db->second + ": " +
-                    std::string(store::describe(o)));
-    store::Outcome at = records.move_first();
-    for (long long i = 1; i < wanted && at == store::Outcome::ok; ++i) at = records.move_next();
-    if (at != store::Outcome::ok || !records.has_current())
-        return fail("there is no event " + std::to_string(wanted) + ": the table holds " +
-                    std::to_string(records.record_count()));
-
     Session s;
     initialise_session(s, fs::current_path().string());
+    std::string error;
+    if (!load_event_option(options, s, slot::first_user, error)) return fail(error);
     if (!attach_body_tables(s)) return 2;
-    load_event_row(records, s.event_slots, slot::first_user);
     calculate_chart(s, slot::first_user, true);
 
     const PositionLists& p = s.engine.pos;

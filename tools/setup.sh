@@ -4,7 +4,8 @@
 set -euo pipefail
 
 CELESTARK_PACKAGES=(cmake ninja-build g++ pkg-config libsqlite3-dev libgtest-dev libgmock-dev
-  libbenchmark-dev libswe-dev swe-basic-data swe-standard-data)
+  libbenchmark-dev libswe-dev swe-basic-data swe-standard-data qt6-base-dev qt6-svg-dev
+  libgl-dev poppler-utils)
 
 celestark_install_missing() {
   local missing=()

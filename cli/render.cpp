@@ -1,0 +1,337 @@
+#include "render.h"
+
+#include "event_options.h"
+#include "positions.h"
+#include "stores.h"
+
+#include "drawing/chart_pages.h"
+#include "drawing/page_furniture.h"
+#include "drawing/painter_surface.h"
+#include "drawing/recording_surface.h"
+#include "engine/chart.h"
+#include "session/session.h"
+#include "session/startup.h"
+#include "session/text.h"
+#include "store/option_sets.h"
+
+#include <QGuiApplication>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+namespace celestark::cli {
+
+namespace fs = std::filesystem;
+using drawing::Canvases;
+using drawing::Drawing;
+using drawing::Surface;
+
+namespace {
+
+// The chart window the screen layout is drawn for: 1600 by 1000 pixels of 15 twips.
+constexpr float window_twips_wide = 1600 * 15.0f, window_twips_high = 1000 * 15.0f;
+// An A4 page, portrait, in twips.
+constexpr float a4_twips_wide = 210 / 25.4f * 1440, a4_twips_high = 297 / 25.4f * 1440;
+
+// A Qt application without a display, for the fonts and the painting, for as long as a command
+// runs.
+class HeadlessApplication {
+  public:
+    HeadlessApplication() : app_((setenv("QT_QPA_PLATFORM", "offscreen", 0), argc_), argv_) {}
+
+  private:
+    int argc_ = 1;
+    char name_[14] = "celestark-cli";
+    char* argv_[2] = {name_, nullptr};
+    QGuiApplication app_;
+};
+
+// A program folder for the command: the current one when it holds option.mdb, otherwise a
+// temporary one with the stores the build made (removed when the command ends).
+class ProgramFolder {
+  public:
+    bool prepare(std::string& error) {
+        std::error_code ec;
+        if (fs::exists(fs::current_path() / "option.mdb", ec)) {
+            path_ = fs::current_path();
+            return true;
+        }
+        const fs::path built = built_stores_folder();
+        if (built.empty() || !fs::exists(built / "option.mdb", ec)) {
+            error = "no option.mdb here and no built stores beside the program: run "
+                    "`celestark-cli init DIR` and render from DIR";
+            return false;
+        }
+        char pattern[] = "/tmp/celestark-render-XXXXXX";
+        if (!mkdtemp(pattern)) {
+            error = "cannot make a temporary program folder";
+            return false;
+        }
+        path_ = pattern;
+        temporary_ = true;
+        // The large tables are only read: linked, not copied.
+        for (const char* name : {"outer3.mdb", "asteroid.mdb", "stars.mdb"})
+            if (fs::exists(built / name, ec)) fs::create_symlink(built / name, path_ / name, ec);
+        fs::copy_file(built / "option.mdb", path_ / "option.mdb", ec);
+        if (ec) {
+            error = "cannot copy option.mdb: " + ec.message();
+            return false;
+        }
+        return true;
+    }
+    ~ProgramFolder() {
+        std::error_code ec;
+        if (temporary_) fs::remove_all(path_, ec);
+    }
+    const fs::path& path() const { return path_; }
+
+  private:
+    fs::path path_;
+    bool temporary_ = false;
+};
+
+struct PageView {
+    const char* page;
+    const char* world_view;
+};
+constexpr PageView page_views[] = {
+    {"geo1", "Geocentric"},
+    {"helio1", "Heliocentric"},
+    {"helio_triple", "Heliocentric"},
+    {"lem1", "Lemnicentric"},
+    {"geo_helio1", "Geo/Helio"},
+    {"geo_triple", "Geocentric"},
+    {"display_all_planets", "Geocentric"},
+    {"data1", "Geocentric"},
+    {"star_geo", "Geocentric"},
+    {"star_sid_trop", "Geocentric"},
+    {"star_geo_helio", "Geo/Helio"},
+    {"star_helio", "Heliocentric"},
+    {"star_lem", "Lemnicentric"},
+    {"star_analysis_conjunction", "Geocentric"},
+    {"star_analysis_horizon", "Geocentric"},
+    {"harmonics", "Geocentric"},
+};
+
+const char* default_view(const std::string& page) {
+    for (const PageView& p : page_views)
+        if (page == p.page) return p.world_view;
+    return nullptr;
+}
+
+std::string pages_list() {
+    std::string out;
+    for (const PageView& p : page_views) out += (out.empty() ? "" : ", ") + std::string(p.page);
+    return out;
+}
+
+// A started session with the event of the options in slot 1 and the chart settings asked for.
+struct Prepared {
+    Session s;
+    ConsoleSink sink;
+    bool fatal = false;
+};
+
+bool prepare_session(const Options& o, const fs::path& folder, Prepared& p, std::string& error) {
+    Session& s = p.s;
+    const StartResult r = start_in(s, folder, p.sink, p.fatal);
+    if (p.fatal || !r.started) {
+        error = "the program folder " + folder.string() + " cannot start";
+        return false;
+    }
+    s.sink = &p.sink;
+    s.fatal_handler = [&p](const std::string&, const std::string&) { p.fatal = true; };
+    if (!load_event_option(o, s, slot::first_user, error)) return false;
+    if (const auto it = o.find("zodiac"); it != o.end()) {
+        s.chart.zodiac = it->second;
+        if (!select_zodiac(s, p.sink) && it->second != "Tropical" && it->second != "Draconic") {
+            error = "--zodiac: there is no zodiac '" + it->second + "' in option.mdb";
+            return false;
+        }
+    }
+    if (const auto it = o.find("houses"); it != o.end()) {
+        static constexpr const char* systems[] = {
+            "None",    "Asc. MC only", "Meridian",    "Regiomontanus", "Porphyry", "Equal",
+            "Morinus", "Koch",         "Topocentric", "Placidus",      "Campanus"};
+        bool known = false;
+        for (const char* name : systems) known = known || it->second == name;
+        if (!known) {
+            error = "--houses must be one of None, Asc. MC only, Meridian, Regiomontanus, "
+                    "Porphyry, Equal, Morinus, Koch, Topocentric, Placidus, Campanus";
+            return false;
+        }
+        s.chart.house_system = it->second;
+    }
+    if (const auto it = o.find("colour-set"); it != o.end()) {
+        if (it->second != "None" && !load_colour_set(s, it->second, p.sink)) {
+            error = "--colour-set: there is no colour set '" + it->second + "' in option.mdb";
+            return false;
+        }
+        s.chart.display_colour_set = s.chart.print_colour_set = it->second;
+    }
+    return true;
+}
+
+enum class Format { png, pdf, svg };
+
+bool format_of(const std::string& path, Format& f) {
+    const std::string ext = to_upper(fs::path(path).extension().string());
+    if (ext == ".PNG")
+        f = Format::png;
+    else if (ext == ".PDF")
+        f = Format::pdf;
+    else if (ext == ".SVG")
+        f = Format::svg;
+    else
+        return false;
+    return true;
+}
+
+// Draws the page of the options with the session's settings; false after a fatal error.
+bool draw_page(Prepared& p, const std::string& page, Drawing& g) {
+    g.d.screen_page = page;
+    g.d.working_event = slot::first_user;
+    g.d.allow_stepping = true;
+    g.d.stepping_on = false;
+    if (page != "harmonics") return drawing::screen_display(g) && !p.fatal;
+    // The harmonics page has no word of its own on the chart window; it is drawn here alone.
+    g.d.display_target = "Chart";
+    g.read_page_options();
+    g.d.portrait_page = true;
+    g.load_active_colour_set();
+    g.initialise_frame();
+    load_aspect_set(p.s, p.s.chart.aspect_set_charts, p.sink);
+    calculate_chart(p.s, slot::first_user, true);
+    drawing::harmonics_page(g);
+    if (g.d.printing && g.canvases.printer) {
+        g.canvases.printer->end_page();
+        g.canvases.printer->end_document();
+    }
+    return !p.fatal;
+}
+
+} // namespace
+
+int command_render(const Options& o) {
+    const auto page_it = o.find("page"), out_it = o.find("out");
+    if (page_it == o.end() || out_it == o.end())
+        return fail("render needs --page WORD --out FILE.png|.pdf|.svg");
+    const std::string page = page_it->second, out = out_it->second;
+    const char* view = default_view(page);
+    if (!view) return fail("--page must be one of " + pages_list() + ", not '" + page + "'");
+    Format format{};
+    if (!format_of(out, format)) return fail("--out must end in .png, .pdf or .svg");
+    double width = 1600;
+    std::string error;
+    if (!number_option(o, "width", width, error) && !error.empty()) return fail(error);
+    if (width < 100 || width > 20000) return fail("--width must be 100 to 20000 pixels");
+    const bool printing = o.count("printing") > 0;
+
+    ProgramFolder folder;
+    if (!folder.prepare(error)) return fail(error);
+    HeadlessApplication application;
+    auto prepared = std::make_unique<Prepared>();
+    if (!prepare_session(o, folder.path(), *prepared, error)) return fail(error);
+    Session& s = prepared->s;
+    s.chart.world_view = view;
+    if (const auto it = o.find("world-view"); it != o.end()) {
+        const std::string& w = it->second;
+        if (w != "Geocentric" && w != "Heliocentric" && w != "Tychonic" && w != "Lemnicentric" &&
+            w != "Geo/Helio")
+            return fail("--world-view must be Geocentric, Heliocentric, Tychonic, Lemnicentric "
+                        "or Geo/Helio");
+        s.chart.world_view = w;
+    }
+
+    // The surface: a page of paper when printing, otherwise the chart window's picture.
+    std::unique_ptr<Surface> canvas;
+    drawing::RasterCanvas* raster = nullptr;
+    const int pixels = static_cast<int>(width);
+    switch (format) {
+    case Format::png: {
+        const float twips_wide = printing ? a4_twips_wide : window_twips_wide;
+        const float twips_high = printing ? a4_twips_high : window_twips_high;
+        auto r = std::make_unique<drawing::RasterCanvas>(
+            pixels, static_cast<int>(pixels * twips_high / twips_wide), twips_wide, printing);
+        raster = r.get();
+        canvas = std::move(r);
+        break;
+    }
+    case Format::pdf:
+        if (printing) {
+            canvas = std::make_unique<drawing::PdfCanvas>(out);
+        } else {
+            drawing::PageFormat f{window_twips_wide / 1440 * 25.4, window_twips_high / 1440 * 25.4,
+                                  0, false};
+            canvas = std::make_unique<drawing::PdfCanvas>(out, f);
+        }
+        break;
+    case Format::svg:
+        canvas = printing ? std::make_unique<drawing::SvgCanvas>(out, drawing::PageFormat{})
+                          : std::make_unique<drawing::SvgCanvas>(
+                                out, drawing::PageFormat{}, window_twips_wide, window_twips_high);
+        break;
+    }
+    std::unique_ptr<drawing::RecordingSurface> recording;
+    Surface* target = canvas.get();
+    if (o.count("layout")) {
+        recording = std::make_unique<drawing::RecordingSurface>(0, 0, printing, canvas.get());
+        target = recording.get();
+    }
+    Canvases canvases;
+    if (printing)
+        canvases.printer = target;
+    else
+        canvases.chart = target;
+    Drawing g(s, canvases);
+    g.d.printing = printing;
+    if (!draw_page(*prepared, page, g)) return fail("the page could not be drawn");
+
+    if (raster) {
+        if (!raster->save_png(out, error)) return fail(error);
+    } else {
+        canvas->end_document();
+    }
+    if (recording) {
+        std::ofstream json(o.at("layout"));
+        json << recording->json();
+        if (!json) return fail("cannot write " + o.at("layout"));
+    }
+    std::printf("%s\n", out.c_str());
+    return 0;
+}
+
+int command_bench_render(const Options& o) {
+    double moments = 20;
+    std::string error;
+    if (!number_option(o, "moments", moments, error) && !error.empty()) return fail(error);
+    if (moments < 1 || moments > 100000) return fail("--moments must be 1 to 100000");
+    ProgramFolder folder;
+    if (!folder.prepare(error)) return fail(error);
+    HeadlessApplication application;
+    auto p = std::make_unique<Prepared>();
+    Options event = {{"date", "1879-03-14"}, {"time", "11:30:00"}, {"zone", "LMT"},
+                     {"lat", "48N24"},       {"lon", "10E00"},     {"name", "Bench"}};
+    if (!prepare_session(event, folder.path(), *p, error)) return fail(error);
+    p->s.chart.world_view = "Geocentric";
+    drawing::RasterCanvas canvas(1600, 1000, window_twips_wide);
+    Canvases canvases;
+    canvases.chart = &canvas;
+    Drawing g(p->s, canvases);
+    const int n = static_cast<int>(moments);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < n; ++i) {
+        p->s.event_slots[slot::first_user][col::day] = std::to_string(1 + i % 28);
+        if (!draw_page(*p, "geo1", g)) return fail("the page could not be drawn");
+    }
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::printf("what,pages,ms_per_page\nrender,%d,%.3f\n", n, seconds * 1e3 / n);
+    return 0;
+}
+
+} // namespace celestark::cli
