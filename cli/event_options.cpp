@@ -245,6 +245,10 @@ bool read_moments(const Options& o, std::vector<double>& moments_ut, std::string
 }
 
 bool load_event_option(const Options& o, Session& s, int slot, std::string& error) {
+    if (o.count("default-event")) {
+        s.event_slots[slot] = s.event_slots[slot::default_event];
+        return true;
+    }
     if (has_inline_event(o)) {
         EventRow row;
         if (!inline_event(o, row, error)) return false;
@@ -253,8 +257,8 @@ bool load_event_option(const Options& o, Session& s, int slot, std::string& erro
     }
     const auto db = o.find("db"), table = o.find("table"), row = o.find("row");
     if (db == o.end() || table == o.end() || row == o.end()) {
-        error = "give a stored event (--db FILE --table NAME --row N) or an inline one (--date "
-                "Y-M-D --time h:m:s --zone ZONE --lat 51N30 --lon 0W07)";
+        error = "give a stored event (--db FILE --table NAME --row N), an inline one (--date "
+                "Y-M-D --time h:m:s --zone ZONE --lat 51N30 --lon 0W07) or --default-event";
         return false;
     }
     const auto wanted = whole(trim(row->second));

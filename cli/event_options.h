@@ -42,7 +42,8 @@ bool inline_event(const Options& o, EventRow& row, std::string& error);
 // ephemeris time a line) or an inline event, as Universal Time; false with the reason.
 bool read_moments(const Options& o, std::vector<double>& moments_ut, std::string& error);
 
-// Puts the event of the options into `slot` of the session: a stored row or an inline one.
+// Puts the event of the options into `slot` of the session: a stored row, an inline one, or with
+// --default-event the program's built-in default event.
 bool load_event_option(const Options& o, Session& s, int slot, std::string& error);
 
 } // namespace celestark::cli

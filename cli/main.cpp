@@ -139,7 +139,7 @@ void usage() {
                 "  stars (--jd JD | --tt JDE | --tt-list FILE) [--actual] --names NAME,...\n"
                 "  build-stars FILE --source DIR\n"
                 "EVENT: --date Y-M-D --time h:m:s --zone ZONE --lat 51N30 --lon 0W07 [--cal G|J]"
-                " [--name TEXT]\n");
+                " [--name TEXT] [--place TEXT], or --default-event\n");
 }
 
 } // namespace

@@ -41,13 +41,34 @@ constexpr float a4_twips_wide = 210 / 25.4f * 1440, a4_twips_high = 297 / 25.4f 
 // runs.
 class HeadlessApplication {
   public:
-    HeadlessApplication() : app_((setenv("QT_QPA_PLATFORM", "offscreen", 0), argc_), argv_) {}
+    // A program that has its application already (the tests) keeps it.
+    HeadlessApplication() {
+        if (QGuiApplication::instance()) return;
+        setenv("QT_QPA_PLATFORM", "offscreen", 0);
+        app_ = std::make_unique<QGuiApplication>(argc_, argv_);
+    }
 
   private:
+    // A private runtime folder where the system gives none, as Qt wants one; removed after the
+    // application has gone.
+    struct RuntimeFolder {
+        char path[32] = "/tmp/celestark-runtime-XXXXXX";
+        bool made = false;
+        RuntimeFolder() {
+            if (!std::getenv("XDG_RUNTIME_DIR") && mkdtemp(path)) {
+                made = true;
+                setenv("XDG_RUNTIME_DIR", path, 1);
+            }
+        }
+        ~RuntimeFolder() {
+            std::error_code ec;
+            if (made) fs::remove_all(path, ec);
+        }
+    } runtime_;
     int argc_ = 1;
     char name_[14] = "celestark-cli";
     char* argv_[2] = {name_, nullptr};
-    QGuiApplication app_;
+    std::unique_ptr<QGuiApplication> app_;
 };
 
 // A program folder for the command: the current one when it holds option.mdb, otherwise a

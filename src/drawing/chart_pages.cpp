@@ -20,7 +20,7 @@ namespace celestark::drawing {
 
 namespace {
 
-constexpr double one_radian = 57.29577951308238;
+constexpr double one_radian = rad_to_deg;
 
 // The list a wheel shows.
 enum class View { geo, helio, lemni };
@@ -514,7 +514,7 @@ struct PageEntry {
     bool portrait;
 };
 
-const std::map<std::string_view, PageEntry>& pages() {
+const std::map<std::string_view, PageEntry>& pages_table() {
     static const std::map<std::string_view, PageEntry> table = {
         {"data1", {&data_page, true}},
         {"geo1", {&geo_page, true}},
@@ -538,7 +538,7 @@ const std::map<std::string_view, PageEntry>& pages() {
 } // namespace
 
 bool page_known(std::string_view word) {
-    return pages().count(word) > 0;
+    return pages_table().count(word) > 0;
 }
 
 bool screen_display(Drawing& g) {
@@ -562,8 +562,8 @@ bool screen_display(Drawing& g) {
         d.working_event = slot::work;
         d.inner_event = slot::work;
     }
-    const auto it = pages().find(d.screen_page);
-    if (it == pages().end()) {
+    const auto it = pages_table().find(d.screen_page);
+    if (it == pages_table().end()) {
         session_fatal_box(s, "Fatal Error in SCREEN DISPLAY", std::string("CK67-") + fatal_tail);
         return false;
     }
@@ -577,6 +577,68 @@ bool screen_display(Drawing& g) {
         printer->end_page();
         printer->end_document();
     }
+    return true;
+}
+
+} // namespace celestark::drawing
+
+namespace celestark::drawing {
+
+std::vector<SeriesPage> chart_series_pages(const ChartPrintSelection& selection) {
+    struct Group {
+        const char* world_view;
+        const char* standard;
+        const char* star;
+    };
+    static constexpr Group groups[ChartPrintSelection::groups] = {
+        {"Geocentric", "geo1", "star_geo"},       {"Lemnicentric", "lem1", "star_lem"},
+        {"Heliocentric", "helio1", "star_helio"}, {"Geo/Helio", "geo_helio1", "star_geo_helio"},
+        {"Tychonic", "geo1", "star_geo"},
+    };
+    std::vector<SeriesPage> pages;
+    for (int i = 0; i < ChartPrintSelection::groups; ++i) {
+        const Group& group = groups[i];
+        const auto k = static_cast<std::size_t>(i);
+        if (selection.standard[k]) pages.push_back({group.standard, group.world_view});
+        if (selection.star[k]) pages.push_back({group.star, group.world_view});
+        if (selection.harmonics[k]) pages.push_back({"harmonics", group.world_view});
+        if (i == 2 && selection.helio_triple) pages.push_back({"helio_triple", "Heliocentric"});
+    }
+    if (selection.all_planets) pages.push_back({"display_all_planets", "Geocentric"});
+    return pages;
+}
+
+bool print_chart_series(Drawing& g, const std::vector<SeriesPage>& pages) {
+    Session& s = g.s;
+    DrawingState& d = g.d;
+    Surface* printer = g.canvases.printer;
+    if (!printer || pages.empty()) return false;
+    if (!printer->setup_dialog()) return false;
+    printer->begin_document();
+    d.printing = true;
+    d.display_target = "Chart";
+    g.read_page_options();
+    g.load_active_colour_set();
+    const std::string world_view = s.chart.world_view, screen_page = d.screen_page;
+    for (const SeriesPage& page : pages) {
+        s.chart.world_view = page.world_view;
+        d.screen_page = page.screen_page;
+        d.portrait_page = true;
+        g.initialise_frame();
+        if (page.screen_page == "harmonics") {
+            calculate(g);
+            harmonics_page(g);
+        } else if (const auto it = pages_table().find(page.screen_page);
+                   it != pages_table().end()) {
+            it->second.proc(g);
+        }
+        d.rotate_text = 0;
+        printer->end_page();
+    }
+    printer->end_document();
+    s.chart.world_view = world_view;
+    d.screen_page = screen_page;
+    d.printing = false;
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "drawing/display.h"
 
 #include "session/colour_fields.h"
+#include "session/constants.h"
 #include "session/session.h"
 #include "session/text.h"
 #include "store/option_schema.h"
@@ -16,9 +17,7 @@ namespace celestark::drawing {
 
 namespace {
 
-constexpr double pi = 3.14159265358979;
-constexpr double two_pi = 6.28318530717958;
-constexpr double one_degree = 0.017453292519943278;
+constexpr double one_degree = deg_to_rad;
 
 std::string ck(int code) {
     return "CK" + std::to_string(code) + "-" + fatal_tail;
@@ -477,26 +476,24 @@ void Drawing::display_radial_line(float cx, float cy, float r1, float r2, float 
                  static_cast<float>(y2), c, solid);
 }
 
-void Drawing::display_text_w_h(std::string_view text, float factor, float& width, float& height) {
-    Surface* out = surface(59, "Fatal Error in DISPLAY TEXT W H");
+void Drawing::measure(int code, ProgramFont font, std::string_view text, float factor, float& width,
+                      float& height) {
+    Surface* out = surface(code, "Fatal Error in DISPLAY TEXT W H");
     if (!out) {
         width = height = 0;
         return;
     }
-    const TextSize size = out->measure(ProgramFont::arial, d.current_font_size, text);
+    const TextSize size = out->measure(font, d.current_font_size, text);
     width = size.width;
     height = size.height * factor;
 }
 
+void Drawing::display_text_w_h(std::string_view text, float factor, float& width, float& height) {
+    measure(59, ProgramFont::arial, text, factor, width, height);
+}
+
 void Drawing::display_symbol_w_h(std::string_view text, float factor, float& width, float& height) {
-    Surface* out = surface(60, "Fatal Error in DISPLAY TEXT W H");
-    if (!out) {
-        width = height = 0;
-        return;
-    }
-    const TextSize size = out->measure(ProgramFont::planet_symbols, d.current_font_size, text);
-    width = size.width;
-    height = size.height * factor;
+    measure(60, ProgramFont::planet_symbols, text, factor, width, height);
 }
 
 void Drawing::end_page() {

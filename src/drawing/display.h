@@ -87,6 +87,8 @@ class Drawing {
                     const char* title, const char* primitive);
     void plain_text(float x, float y, std::string_view text, ProgramFont font, Colour colour,
                     int code, const char* title, const char* primitive);
+    void measure(int code, ProgramFont font, std::string_view text, float factor, float& width,
+                 float& height);
     // A text turned by `rotate_angle` about the point (`rotate_x`, `rotate_y`).
     void draw_rotated(Surface& surface, ProgramFont font, std::string_view text, Colour colour);
     float pen_width_ = 1;

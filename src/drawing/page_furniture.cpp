@@ -15,8 +15,7 @@ namespace celestark::drawing {
 
 namespace {
 
-constexpr double one_radian = 57.29577951308238;
-constexpr double two_pi = 6.28318530717958;
+constexpr double one_radian = rad_to_deg;
 
 std::string cell(const EventRow& row, int column) {
     return trim(row[static_cast<std::size_t>(column)]);

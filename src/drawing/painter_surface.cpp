@@ -163,19 +163,21 @@ QPageLayout page_layout(const PageFormat& f) {
 
 } // namespace
 
+PainterSurface::Geometry PainterSurface::page_geometry(const PageFormat& f) {
+    const double w = (f.landscape ? f.height_mm : f.width_mm) * twips_per_mm;
+    const double h = (f.landscape ? f.width_mm : f.height_mm) * twips_per_mm;
+    const double m = f.margin_mm * twips_per_mm;
+    return Geometry{static_cast<float>(w - 2 * m),
+                    static_cast<float>(h - 2 * m),
+                    static_cast<float>(m),
+                    static_cast<float>(m),
+                    1.0,
+                    page_twips_per_pen,
+                    true};
+}
+
 PdfCanvas::PdfCanvas(const std::string& path, const PageFormat& f)
-    : PainterSurface([&] {
-          const double w = (f.landscape ? f.height_mm : f.width_mm) * twips_per_mm;
-          const double h = (f.landscape ? f.width_mm : f.height_mm) * twips_per_mm;
-          const double m = f.margin_mm * twips_per_mm;
-          return Geometry{static_cast<float>(w - 2 * m),
-                          static_cast<float>(h - 2 * m),
-                          static_cast<float>(m),
-                          static_cast<float>(m),
-                          1.0,
-                          page_twips_per_pen,
-                          true};
-      }()),
+    : PainterSurface(page_geometry(f)),
       writer_(std::make_unique<QPdfWriter>(QString::fromStdString(path))) {
     // A device unit of the writer is a twip.
     writer_->setResolution(static_cast<int>(twips_per_inch));
@@ -213,19 +215,8 @@ void PdfCanvas::end_document() {
 
 SvgCanvas::SvgCanvas(const std::string& path, const PageFormat& f, float twips_wide,
                      float twips_high)
-    : PainterSurface([&] {
-          if (twips_wide > 0) return Geometry{twips_wide, twips_high, 0, 0, 1.0, 15.0, false};
-          const double w = (f.landscape ? f.height_mm : f.width_mm) * twips_per_mm;
-          const double h = (f.landscape ? f.width_mm : f.height_mm) * twips_per_mm;
-          const double m = f.margin_mm * twips_per_mm;
-          return Geometry{static_cast<float>(w - 2 * m),
-                          static_cast<float>(h - 2 * m),
-                          static_cast<float>(m),
-                          static_cast<float>(m),
-                          1.0,
-                          page_twips_per_pen,
-                          true};
-      }()),
+    : PainterSurface(twips_wide > 0 ? Geometry{twips_wide, twips_high, 0, 0, 1.0, 15.0, false}
+                                    : page_geometry(f)),
       generator_(std::make_unique<QSvgGenerator>()) {
     outlines_ = true;
     const double w = width_ + 2 * left_offset_, h = height_ + 2 * top_offset_;
@@ -252,18 +243,22 @@ void SvgCanvas::end_document() {
 // --- the printer ---
 
 PainterSurface::Geometry PrinterCanvas::geometry_of(QPrinter& printer) {
+    // The printable area from the printer's margins; painting then counts from the sheet's
+    // corner, as the offsets are given.
+    const QPageLayout layout = printer.pageLayout();
+    const QRectF paper = layout.fullRectPoints();
+    const QMarginsF margins = layout.marginsPoints();
     printer.setFullPage(true);
     const double dpi = printer.resolution();
-    const double device_per_twip = dpi / twips_per_inch;
-    const QRectF paper = printer.pageLayout().fullRectPixels(static_cast<int>(dpi));
-    const QRectF printable = printer.pageLayout().paintRectPixels(static_cast<int>(dpi));
-    return Geometry{static_cast<float>(printable.width() / device_per_twip),
-                    static_cast<float>(printable.height() / device_per_twip),
-                    static_cast<float>((printable.left() - paper.left()) / device_per_twip),
-                    static_cast<float>((printable.top() - paper.top()) / device_per_twip),
-                    device_per_twip,
-                    page_twips_per_pen,
-                    true};
+    constexpr double twips_per_point = 20;
+    return Geometry{
+        static_cast<float>((paper.width() - margins.left() - margins.right()) * twips_per_point),
+        static_cast<float>((paper.height() - margins.top() - margins.bottom()) * twips_per_point),
+        static_cast<float>(margins.left() * twips_per_point),
+        static_cast<float>(margins.top() * twips_per_point),
+        dpi / twips_per_inch,
+        page_twips_per_pen,
+        true};
 }
 
 PrinterCanvas::PrinterCanvas(QPrinter& printer)
@@ -274,8 +269,10 @@ PrinterCanvas::~PrinterCanvas() {
 }
 
 bool PrinterCanvas::setup_dialog() {
-    QPrintDialog dialog(&printer_);
-    if (dialog.exec() != QDialog::Accepted) return false;
+    if (dialog) {
+        QPrintDialog box(&printer_);
+        if (box.exec() != QDialog::Accepted) return false;
+    }
     const Geometry g = geometry_of(printer_);
     width_ = g.width;
     height_ = g.height;

@@ -16,6 +16,13 @@ class QSvgGenerator;
 
 namespace celestark::drawing {
 
+// A page size in millimetres and the margins that stand for a printer's unprintable edge.
+struct PageFormat {
+    double width_mm = 210, height_mm = 297; // A4
+    double margin_mm = 10;
+    bool landscape = false;
+};
+
 class PainterSurface : public Surface {
   public:
     float width() const override { return width_; }
@@ -44,6 +51,8 @@ class PainterSurface : public Surface {
         bool page = false;
     };
     explicit PainterSurface(const Geometry& g);
+    // A sheet of the format with its margins as the printable offsets.
+    static Geometry page_geometry(const PageFormat& format);
     // Starts painting on the device; called by each kind once its device exists.
     void begin(QPaintDevice* device);
     // Called before each drawing call: a kind that pages starts its next page here.
@@ -69,13 +78,6 @@ class RasterCanvas : public PainterSurface {
 
   private:
     QImage image_;
-};
-
-// A page size in millimetres and the margins that stand for a printer's unprintable edge.
-struct PageFormat {
-    double width_mm = 210, height_mm = 297; // A4
-    double margin_mm = 10;
-    bool landscape = false;
 };
 
 // A PDF document, one page a call of end_page; fonts embedded with their Unicode map.
@@ -112,7 +114,9 @@ class PrinterCanvas : public PainterSurface {
   public:
     explicit PrinterCanvas(QPrinter& printer);
     ~PrinterCanvas() override;
+    // The system print dialog, unless `dialog` is off (the printer is set up already).
     bool setup_dialog() override;
+    bool dialog = true;
     void begin_document() override;
     void end_page() override;
     void end_document() override;

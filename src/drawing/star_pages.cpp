@@ -23,10 +23,8 @@ namespace celestark::drawing {
 
 namespace {
 
-constexpr double pi = 3.14159265358979;
-constexpr double two_pi = 6.28318530717958;
-constexpr double one_degree = 0.017453292519943278;
-constexpr double one_radian = 57.29577951308238;
+constexpr double one_degree = deg_to_rad;
+constexpr double one_radian = rad_to_deg;
 // The obliquity of J2000 for the great circles of the map.
 constexpr double obliquity_j2000 = 23.4392911 * one_degree;
 

@@ -14,10 +14,8 @@ namespace celestark::drawing {
 
 namespace {
 
-constexpr double pi = 3.14159265358979;
-constexpr double two_pi = 6.28318530717958;
-constexpr double one_degree = 0.017453292519943278;
-constexpr double one_radian = 57.29577951308238;
+constexpr double one_degree = deg_to_rad;
+constexpr double one_radian = rad_to_deg;
 
 // A slot number brought into 1 to 360: 361 is 1, 0 is 360.
 int slot_of(long long n) {
@@ -185,7 +183,8 @@ namespace {
 // moves up one slot; the first copy carries the free slot's emptiness one further, so that an
 // entry standing just beyond the run drops out of the ring, and a cusp within the run moves
 // with it. Both effects belong to the program's placing and are kept.
-void insert_at(Session& s, WheelState& w, int p, const std::string& glyph, float longitude) {
+void insert_at(Session& s, WheelState& w, int p, const std::string& glyph, float longitude,
+               bool strip) {
     int f = p, n = 0;
     bool up_blocked = false;
     while (!is_free(w, f)) {
@@ -201,7 +200,9 @@ void insert_at(Session& s, WheelState& w, int p, const std::string& glyph, float
     if (up_blocked) direction = -1;
     if (down_blocked) direction = 1;
     if (up_blocked && down_blocked) {
-        session_fatal_box(s, "Fatal Error in PLOT PLANETS", std::string("CK63-") + fatal_tail);
+        session_fatal_box(
+            s, strip ? "Fatal Error in PLOT PLANETS VERTICAL" : "Fatal Error in PLOT PLANETS",
+            std::string(strip ? "CK64-" : "CK63-") + fatal_tail);
         return;
     }
     (void)direction; // the shift runs upward whatever it says
@@ -216,7 +217,7 @@ void insert_at(Session& s, WheelState& w, int p, const std::string& glyph, float
 
 } // namespace
 
-void place_on_ring(Drawing& g) {
+void place_on_ring(Drawing& g, bool strip) {
     WheelState& w = g.d.wheel;
     for (std::string& t : w.slot_glyph) t.clear();
     w.slot_long.fill(0);
@@ -241,12 +242,12 @@ void place_on_ring(Drawing& g) {
                     p = q;
                     continue;
                 }
-                insert_at(g.s, w, p, glyph, longitude); // a greater occupant follows
+                insert_at(g.s, w, p, glyph, longitude, strip); // a greater occupant follows
                 break;
             }
             const int q = slot_of(p - 1);
             if (!is_free(w, q) && w.slot_long[q] <= longitude) {
-                insert_at(g.s, w, q, glyph, longitude);
+                insert_at(g.s, w, q, glyph, longitude, strip);
                 break;
             }
             p = q;
@@ -476,7 +477,7 @@ void plot_planets(Drawing& g, float cx, float cy, float radius, float font_size,
 
 void plot_planets_vertical(Drawing& g, float x, float y_top, float y_bottom, float font_size) {
     WheelState& w = g.d.wheel;
-    place_on_ring(g);
+    place_on_ring(g, true);
     // The strip's separations follow the font against the strip's length per degree.
     const double per_degree = (y_bottom - y_top) / 360.0;
     const double F = font_size * 20.0;

@@ -31,8 +31,9 @@ void fill_body_slots(Drawing& g, double rotation, bool with_angles);
 void fill_heliocentric_slots(Drawing& g, double rotation);
 void fill_lemnicentric_slots(Drawing& g, double rotation);
 
-// The ring: placing (first step) and spreading (second step). Exposed for the tests.
-void place_on_ring(Drawing& g);
+// The ring: placing (first step) and spreading (second step). Exposed for the tests. `strip`:
+// the placing of plot_planets_vertical, whose guard is CK64.
+void place_on_ring(Drawing& g, bool strip = false);
 // The separations of glyphs and cusps, whole degrees, for a font size and a radius.
 void ring_separations(int plan_degs_level, float font_size, float radius, int& sep, int& cusp_sep);
 // Spreads the ring; returns the passes run (101 when it did not settle).

@@ -7,6 +7,7 @@
 #include "drawing/program_fonts.h"
 
 #include <QImage>
+#include <QPrinter>
 #include <QSvgRenderer>
 
 #include <cstdio>
@@ -146,6 +147,49 @@ TEST_F(Pages, PagesGoToPngPdfAndSvg) {
     }
     QSvgRenderer renderer(QString::fromStdString((dir / "page.svg").string()));
     EXPECT_TRUE(renderer.isValid());
+}
+
+// A printed series: the pages of the selection in the order of the list, one document.
+TEST_F(Pages, ASeriesPrintsTheSelectionInOrder) {
+    drawing::ChartPrintSelection selection;
+    selection.standard = {true, false, true, false, true};
+    selection.harmonics[0] = true;
+    selection.all_planets = true;
+    const auto pages = drawing::chart_series_pages(selection);
+    std::vector<std::string> words;
+    for (const auto& p : pages) words.push_back(p.screen_page + "/" + p.world_view);
+    EXPECT_EQ(words, (std::vector<std::string>{"geo1/Geocentric", "harmonics/Geocentric",
+                                               "helio1/Heliocentric", "geo1/Tychonic",
+                                               "display_all_planets/Geocentric"}));
+    ds.paper.forget();
+    ASSERT_TRUE(drawing::print_chart_series(*ds.g, pages));
+    int ends = 0;
+    for (const DrawCall& c : ds.paper.calls()) ends += c.kind == DrawCall::Kind::end_page;
+    EXPECT_EQ(ends, 5);
+    EXPECT_TRUE(any_text(ds.paper, "Geocentric Harmonics"));
+    EXPECT_TRUE(any_text(ds.paper, " - Tychonic"));
+    EXPECT_EQ(ds.s.chart.world_view, "Geocentric");
+    ds.paper.setup_answer = false;
+    EXPECT_FALSE(drawing::print_chart_series(*ds.g, pages));
+}
+
+// The printer gives its page size and printable offsets; a page goes to it whole.
+TEST_F(Pages, ThePrinterTakesItsPageFromThePrinter) {
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    const auto file = ds.folder.file("printed.pdf");
+    printer.setOutputFileName(QString::fromStdString(file.string()));
+    printer.setPageSize(QPageSize(QPageSize::A4));
+    printer.setPageMargins(QMarginsF(10, 12, 10, 12), QPageLayout::Millimeter);
+    drawing::PrinterCanvas canvas(printer);
+    canvas.dialog = false;
+    EXPECT_NEAR(canvas.width(), (210 - 20) / 25.4 * 1440, 10); // A4 is 595 points wide
+    EXPECT_NEAR(canvas.top_offset(), 12 / 25.4 * 1440, 10);
+    ds.canvases.printer = &canvas;
+    ASSERT_TRUE(ds.show("helio1", true));
+    // A4 at 1:1.4: the frame keeps the width and stops at 1.4 times it.
+    EXPECT_NEAR(ds.g->d.frame_bottom - ds.g->d.frame_top, (canvas.width() - 10) * 1.4f, 1);
+    EXPECT_GT(std::filesystem::file_size(file), 10000u);
 }
 
 } // namespace

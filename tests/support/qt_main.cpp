@@ -1,4 +1,4 @@
-// The drawing tests paint with Qt: a Qt application without a display comes first.
+// The main() of the test programs that paint: a Qt application without a display comes first.
 #include <QGuiApplication>
 
 #include <gtest/gtest.h>
