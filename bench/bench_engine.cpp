@@ -1,6 +1,7 @@
 // Microseconds per calculate_bodies_at (levels 1, 2, 3) and per calculate_chart, every body
 // switched on (Sun to Pluto, Chiron, the four asteroids, Quaoar and Sedna), over moments spread
 // through the years so that no two calls see the same arguments.
+#include "app/body_tables.h"
 #include "engine/chart.h"
 #include "engine/houses.h"
 #include "engine/table_bodies.h"

@@ -1,11 +1,11 @@
 // Milliseconds per chart page: the geo1 page of one event (the chart, its aspects, the wheel and
 // the side tables) drawn onto the chart window's image at 1600 by 1000 pixels, and the same page
 // onto the recording surface alone, which shows the cost of the layout without the painting.
+#include "app/startup.h"
 #include "drawing/chart_pages.h"
 #include "drawing/painter_surface.h"
 #include "drawing/recording_surface.h"
 #include "session/session.h"
-#include "session/startup.h"
 #include "store/option_defaults.h"
 
 #include <QGuiApplication>

@@ -2,12 +2,12 @@
 
 #include "engine/chart.h"
 #include "session/calendar.h"
-#include "session/event_input.h"
 #include "session/event_time.h"
 #include "session/session.h"
 #include "session/text.h"
 #include "session/zones.h"
 #include "store/event_database.h"
+#include "store/event_rows.h"
 
 #include <cctype>
 #include <cmath>

@@ -1,5 +1,6 @@
 #include "positions.h"
 
+#include "app/body_tables.h"
 #include "engine/chart.h"
 #include "engine/table_bodies.h"
 #include "event_options.h"

@@ -4,13 +4,13 @@
 #include "positions.h"
 #include "stores.h"
 
+#include "app/startup.h"
 #include "drawing/chart_pages.h"
 #include "drawing/page_furniture.h"
 #include "drawing/painter_surface.h"
 #include "drawing/recording_surface.h"
 #include "engine/chart.h"
 #include "session/session.h"
-#include "session/startup.h"
 #include "session/text.h"
 #include "store/option_sets.h"
 

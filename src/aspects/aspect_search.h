@@ -1,11 +1,11 @@
 #pragma once
 // The aspects of calculated charts: every pair of a position list (or of two lists) is measured
 // against the whole loaded aspect set and the hits go to an aspect matrix
-// (aspects/aspect_matrix.h). No drawing here; the predictive searches have loops of their own.
+// (session/aspect_matrix.h). No drawing here; the predictive searches have loops of their own.
 //
 // The caller has loaded the aspect set (load_aspect_set) and, for the searches over one event,
 // calculated the chart.
-#include "aspects/aspect_matrix.h"
+#include "session/aspect_matrix.h"
 #include "session/option_state.h"
 
 #include <array>

@@ -14,6 +14,7 @@
 #include "store/option_schema.h"
 #include "store/option_sets.h"
 #include "store/option_store.h"
+#include "store/star_catalogue.h"
 
 #include <algorithm>
 #include <cmath>
@@ -327,11 +328,12 @@ void star_analysis_page(Drawing& g) {
     g.display_text_outside(d.frame_left, y, "Star group: " + group + ", orb set " + orb_set);
     y += h * 1.5f;
     const std::size_t rows = static_cast<std::size_t>(std::max(1.0f, (d.frame_bottom - y) / h - 3));
-    const StarAnalysis analysis = star_analysis(s, group, orb_set,
-                                                horizon    ? StarAnalysisKind::horizon
-                                                : long_lat ? StarAnalysisKind::long_lat
-                                                           : StarAnalysisKind::longitude,
-                                                rows);
+    const StarAnalysis analysis =
+        star_analysis(s, group, orb_set,
+                      horizon    ? StarAnalysisKind::horizon
+                      : long_lat ? StarAnalysisKind::long_lat
+                                 : StarAnalysisKind::longitude,
+                      rows, star_group_names(s), read_star_orb_options(s));
     if (analysis.skipped) {
         g.display_text_outside(d.frame_left, y, "No star group is chosen for this analysis");
         return;

@@ -1,9 +1,9 @@
 #include "drawing/wheel.h"
 
-#include "engine/positions.h"
 #include "session/colour_fields.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
+#include "session/positions.h"
 #include "session/session.h"
 #include "session/text.h"
 

@@ -5,7 +5,6 @@
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
-#include "store/star_catalogue.h"
 
 namespace celestark {
 
@@ -45,7 +44,7 @@ void add_to_lemni(PositionLists& p, double longitude, unsigned char sigil) {
 } // namespace
 
 void add_fixed_points(Session& s) {
-    refresh_fixed_points(s);
+    if (s.stars.catalogue) s.stars.catalogue->refresh_fixed_points(s.stars);
     const std::string& view = s.chart.world_view;
     PositionLists& p = s.engine.pos;
     for (const FixedPoint& f : s.stars.fixed_points) {

@@ -6,20 +6,11 @@
 #include "session/fixed_tables.h"
 #include "session/session.h"
 #include "session/text.h"
-#include "store/option_store.h"
-#include "store/star_catalogue.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace celestark {
-
-std::array<std::string, 12> star_group_names(Session& s) {
-    std::array<std::string, 12> names;
-    for (std::size_t i = 0; i < names.size(); ++i)
-        names[i] = trim(read_option(s, "option_name", "star_" + std::to_string(i + 1)).as_text());
-    return names;
-}
 
 std::optional<std::string> star_group_field(const std::string& group,
                                             const std::array<std::string, 12>& user_groups) {
@@ -72,47 +63,39 @@ struct PlacedStar {
 } // namespace
 
 StarAnalysis star_analysis(Session& s, const std::string& group, const std::string& orb_set,
-                           StarAnalysisKind kind, std::size_t max_hits) {
+                           StarAnalysisKind kind, std::size_t max_hits,
+                           const std::array<std::string, 12>& user_groups,
+                           const StarOrbOptions& orbs) {
     StarAnalysis result;
-    const auto field = star_group_field(group, star_group_names(s));
+    const auto field = star_group_field(group, user_groups);
     if (!field) {
         result.skipped = true;
         return result;
     }
-    if (!s.stars.stores || !s.stars.stores->stars.is_open()) return result;
+    if (!s.stars.catalogue) return result;
 
     // The group's stars, each placed once.
-    const StarOrbOptions orbs = read_star_orb_options(s);
     const StarMoment moment = star_moment(s);
-    store::Recordset& rs = s.stars.stores->stars;
-    const StarRowReader c(rs);
-    const int group_column = field->empty() ? -1 : rs.field_index(*field);
-    if (!field->empty() && group_column < 0) return result;
     std::vector<PlacedStar> stars;
-    for (auto o = rs.move_first(); o == store::Outcome::ok && rs.has_current();
-         o = rs.move_next()) {
-        if (group_column >= 0 && !c.flag(rs, group_column)) continue;
-        if (*field != "sel_4" && c.flag(rs, c.sel_4)) continue;
-        const StarValues v = c.values(rs);
+    for (const CatalogueStar& c : s.stars.catalogue->group_stars(*field)) {
         PlacedStar star;
-        star.orb = star_orb(orbs, orb_set, v.magnitude, v.absolute_magnitude);
+        star.orb = star_orb(orbs, orb_set, c.magnitude, c.absolute_magnitude);
         if (star.orb == 0) continue;
-        star_place_of_date(v.ra, v.dec, v.pm_ra, v.pm_dec, moment, star.longitude, star.latitude);
+        star_place_of_date(c.ra, c.dec, c.pm_ra, c.pm_dec, moment, star.longitude, star.latitude);
         if (star.longitude < 0) star.longitude += two_pi;
         StarHit& d = star.data;
-        d.greek_letter = trim(c.text(rs, c.greek_letter));
-        d.star_number = trim(c.text(rs, c.star_number));
-        d.star_name = trim(c.text(rs, c.star_name));
-        d.constellation = c.text(rs, c.constellation);
-        d.magnitude = v.magnitude;
-        d.absolute_magnitude = v.absolute_magnitude;
-        d.spectral_type = c.text(rs, c.spectral_type);
-        d.luminosity_class = c.text(rs, c.luminosity_class);
-        d.distance = c.number(rs, c.distance);
+        d.greek_letter = c.greek_letter;
+        d.star_number = c.star_number;
+        d.star_name = c.star_name;
+        d.constellation = c.constellation;
+        d.magnitude = c.magnitude;
+        d.absolute_magnitude = c.absolute_magnitude;
+        d.spectral_type = c.spectral_type;
+        d.luminosity_class = c.luminosity_class;
+        d.distance = c.distance;
         d.orb_limit = star.orb;
         stars.push_back(std::move(star));
     }
-    rs.move_first();
 
     for (const StarAnalysisPoint& point : star_analysis_points(s, kind)) {
         for (const PlacedStar& star : stars) {

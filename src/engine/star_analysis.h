@@ -2,6 +2,8 @@
 // The star analysis: the catalogue stars of a group that stand within their orb of the points of
 // the last chart ("Geocentric star analysis for " + the event, in longitude, in longitude and
 // latitude, and on the angles). The pages that show the hits come with the drawing.
+#include "session/star_state.h"
+
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -18,9 +20,6 @@ inline constexpr const char* no_star_group = "None";
 inline constexpr const char* zodiac_star_group = "Basic Star Zodiac stars";
 inline constexpr const char* chart_star_group = "Star Group for charts";
 inline constexpr const char* all_stars_group = "All Stars";
-
-// The names of the user groups: the options star_1 to star_12.
-std::array<std::string, 12> star_group_names(Session& s);
 
 // The field of `stars` that marks a group's stars: "in_zodiac", "sel_1", a user group's field,
 // "sel_4" for "Excluded stars", or an empty text for "All Stars". Both the analysis pages' and the
@@ -70,7 +69,11 @@ inline constexpr const char* star_analysis_heading_data = " m      M  Spectra   
 // moment of the last chart (a negative longitude with 2 pi added), its orb of the orb set ("1" to
 // "9"; an orb of 0 leaves it out), and a hit when the separation is below the orb. Excluded stars
 // never take part. Stops after `max_hits` hits.
+// The user groups' names (the options star_1 to star_12) and the orb options come from the
+// option record.
 StarAnalysis star_analysis(Session& s, const std::string& group, const std::string& orb_set,
-                           StarAnalysisKind kind, std::size_t max_hits);
+                           StarAnalysisKind kind, std::size_t max_hits,
+                           const std::array<std::string, 12>& user_groups,
+                           const StarOrbOptions& orbs);
 
 } // namespace celestark

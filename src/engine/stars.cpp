@@ -4,19 +4,12 @@
 #include "session/angles.h"
 #include "session/constants.h"
 #include "session/session.h"
-#include "store/option_store.h"
 
 #include <algorithm>
 #include <cmath>
 #include <string>
 
 namespace celestark {
-
-void equatorial_to_ecliptic_j2000(double ra, double dec, double& longitude, double& latitude) {
-    const double e = j2000_obliquity_deg * deg_to_rad;
-    longitude = arctan2(std::sin(ra) * std::cos(e) + std::tan(dec) * std::sin(e), std::cos(ra));
-    latitude = arcsin(std::sin(dec) * std::cos(e) - std::cos(dec) * std::sin(e) * std::sin(ra));
-}
 
 void precess_ecliptic_from_j2000(double t, double& longitude, double& latitude) {
     const double t2 = t * t, t3 = t2 * t;
@@ -87,32 +80,6 @@ void calculate_chart_stars(Session& s) {
 
 void add_chart_stars(Session& s) {
     if (s.stars.chart_star_count > 0) calculate_chart_stars(s);
-}
-
-StarOrbOptions read_star_orb_options(Session& s) {
-    auto value = [&](const std::string& field) {
-        return read_option(s, "option_name", field).as_double();
-    };
-    auto orb = [&](const std::string& prefix) {
-        return value(prefix + "degs") + value(prefix + "mins") / 60.0;
-    };
-    StarOrbOptions o;
-    o.orb_1 = orb("orb_1_");
-    o.orb_2 = orb("orb_2_");
-    o.orb_1_magnitude = static_cast<float>(value("orb_1_magnitude"));
-    o.orb_2_magnitude = static_cast<float>(value("orb_2_magnitude"));
-    o.orb_3_mag1 = orb("orb_3_mag1_");
-    o.orb_3_mag6 = orb("orb_3_mag6_");
-    o.orb_4_mag1 = orb("orb_4_mag1_");
-    o.orb_4_mag6 = orb("orb_4_mag6_");
-    o.orb_3_magnitude = static_cast<float>(value("orb_3_magnitude"));
-    o.orb_4_magnitude = static_cast<float>(value("orb_4_magnitude"));
-    for (int mag = 1; mag <= 6; ++mag) {
-        const std::string step = "mag" + std::to_string(mag) + "_";
-        o.orb_5[mag - 1] = orb("orb_5_" + step);
-        o.orb_6[mag - 1] = orb("orb_6_" + step);
-    }
-    return o;
 }
 
 namespace {

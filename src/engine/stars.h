@@ -3,20 +3,16 @@
 // (proper motion, the J2000 ecliptic, precession, annual aberration, nutation and the zodiac), the
 // stars of "Star Group for charts" in the chart lists, and the orb a star gets from its
 // brightness.
+#include "session/star_state.h"
+
 #include <string_view>
 
 namespace celestark {
 
 struct Session;
 
-// The obliquity of the J2000 ecliptic, degrees, that the catalogue conversion uses.
-inline constexpr double j2000_obliquity_deg = 23.4392911;
 // The constant of aberration, seconds of arc.
 inline constexpr double aberration_constant_arcsec = 20.49552;
-
-// J2000 equatorial to J2000 ecliptic coordinates, radians. The longitude is that of arctan2 (-pi
-// to pi).
-void equatorial_to_ecliptic_j2000(double ra, double dec, double& longitude, double& latitude);
 
 // Ecliptic coordinates of J2000 precessed to the date `t` (Julian centuries of Universal Time from
 // J2000.0) in the published form of Meeus. The new longitude is not reduced.
@@ -42,17 +38,6 @@ void star_place_of_date(double ra, double dec, double pm_ra, double pm_dec, cons
 // Appends the stars of the chart star cache to the geo and chart lists (glyph, longitude,
 // latitude; no distance), as far as the lists have room.
 void calculate_chart_stars(Session& s);
-
-// The orb options of `option_name`: sets 1 and 2 (one orb and a magnitude limit), 3 and 4 (orbs
-// for magnitude 1 and 6 and a limit), 5 and 6 (orbs for magnitudes 1 to 6). Degrees.
-struct StarOrbOptions {
-    double orb_1 = 0, orb_2 = 0;
-    float orb_1_magnitude = 0, orb_2_magnitude = 0;
-    double orb_3_mag1 = 0, orb_3_mag6 = 0, orb_4_mag1 = 0, orb_4_mag6 = 0;
-    float orb_3_magnitude = 0, orb_4_magnitude = 0;
-    double orb_5[6]{}, orb_6[6]{}; // magnitude 1 to 6
-};
-StarOrbOptions read_star_orb_options(Session& s);
 
 // The orb in degrees that the set "1" to "9" gives a star; 0: the star takes no part. Set "5"
 // interpolates on the visual magnitude although the absolute one gates it, the interpolation of

@@ -6,7 +6,6 @@
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
-#include "store/table_store.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,11 +14,8 @@
 namespace celestark {
 
 struct BodyTable::Impl {
-    // The store stays open while rows remain to be read.
-    store::TableStore db;
-    store::Recordset rs;
-    int date_field = -1;
-    std::vector<int> fields;
+    // The stored table stays open while rows remain to be read.
+    std::unique_ptr<DatedRowSource> source;
     int columns = 0;
 
     std::int64_t count = 0;
@@ -34,19 +30,6 @@ struct BodyTable::Impl {
     mutable std::vector<std::unique_ptr<Chunk>> chunks;
     bool loaded = false;
 
-    // Reads rows [begin, end) from the current position of the recordset onward.
-    bool read_rows(std::int64_t n, Chunk& out) {
-        store::Outcome o = store::Outcome::ok;
-        for (std::int64_t i = 0; i < n && o == store::Outcome::ok && !rs.eof(); ++i) {
-            const store::Value date = rs.get(date_field);
-            if (!date.ok() || date.is_null()) return false;
-            out.dates.push_back(date.as_double());
-            for (int f : fields) out.values.push_back(rs.get(f).as_double());
-            o = rs.move_next();
-        }
-        return o == store::Outcome::ok;
-    }
-
     const Chunk* chunk(std::int64_t k) const {
         std::lock_guard lock(mutex);
         auto& slot = chunks[static_cast<std::size_t>(k)];
@@ -55,9 +38,8 @@ struct BodyTable::Impl {
             auto& self = const_cast<Impl&>(*this);
             const std::int64_t begin = k * chunk_rows;
             const double date = even ? first + static_cast<double>(begin) * step : first;
-            if (self.rs.seek(">=", {store::Value(date - (even ? step / 2 : 0.0))}) !=
-                    store::Outcome::ok ||
-                !self.read_rows(even ? chunk_rows : count, *c))
+            if (!self.source || !self.source->read(date - (even ? step / 2 : 0.0),
+                                                   even ? chunk_rows : count, c->dates, c->values))
                 return nullptr;
             slot = std::move(c);
         }
@@ -115,35 +97,22 @@ double BodyTable::step() const {
     return impl_->step;
 }
 
-store::Outcome BodyTable::open(const std::filesystem::path& file, const std::string& table,
-                               const std::vector<std::string>& columns) {
+bool BodyTable::attach(std::unique_ptr<DatedRowSource> source, int columns) {
     impl_ = std::make_unique<Impl>();
     Impl& m = *impl_;
-    store::Outcome o = m.db.open(file, store::TableStore::Access::read_only);
-    if (o != store::Outcome::ok) return o;
-    if ((o = m.db.open_recordset(table, m.rs)) != store::Outcome::ok) return o;
-    if ((o = m.rs.set_index("day_number")) != store::Outcome::ok) return o;
-    m.date_field = m.rs.field_index("julian_day_number");
-    if (m.date_field < 0) return store::Outcome::no_such_field;
-    for (const std::string& c : columns) {
-        m.fields.push_back(m.rs.field_index(c));
-        if (m.fields.back() < 0) return store::Outcome::no_such_field;
-    }
-    m.columns = static_cast<int>(columns.size());
-    m.count = m.rs.record_count();
-    if (m.count < 6) return store::Outcome::no_current_record;
+    if (!source || source->count() < 6) return false;
+    m.columns = columns;
+    m.count = source->count();
+    m.first = source->first_date();
+    m.step = source->second_date() - m.first;
+    m.last = source->last_date();
     // The first two rows give the step; the last row tells whether it holds throughout.
-    if ((o = m.rs.move_first()) != store::Outcome::ok) return o;
-    m.first = m.rs.get(m.date_field).as_double();
-    if ((o = m.rs.move_next()) != store::Outcome::ok) return o;
-    m.step = m.rs.get(m.date_field).as_double() - m.first;
-    if ((o = m.rs.move_last()) != store::Outcome::ok) return o;
-    m.last = m.rs.get(m.date_field).as_double();
     m.even = m.step > 0 && std::fabs(m.first + m.step * static_cast<double>(m.count - 1) - m.last) <
                                1e-6 * m.step;
     m.chunks.resize(m.even ? static_cast<std::size_t>((m.count + chunk_rows - 1) / chunk_rows) : 1);
+    m.source = std::move(source);
     m.loaded = true;
-    return store::Outcome::ok;
+    return true;
 }
 
 void BodyTable::assign(std::vector<double> dates, std::vector<double> values, int columns) {
@@ -186,30 +155,6 @@ bool BodyTable::position(double jde, int first, std::array<double, 3>& xyz) cons
                          v[window + 4][c]);
     }
     return true;
-}
-
-std::shared_ptr<const BodyTables> open_body_tables(const std::filesystem::path& directory,
-                                                   std::string& problems) {
-    auto tables = std::make_shared<BodyTables>();
-    problems.clear();
-    const auto xyz = [](std::initializer_list<const char*> bodies) {
-        std::vector<std::string> columns;
-        for (const char* b : bodies)
-            for (const char* axis : {"_x_position", "_y_position", "_z_position"})
-                columns.push_back(std::string(b) + axis);
-        return columns;
-    };
-    const auto load = [&](const char* file, const char* table,
-                          const std::vector<std::string>& columns, BodyTable& out) {
-        const store::Outcome o = out.open(directory / file, table, columns);
-        if (o != store::Outcome::ok)
-            problems +=
-                std::string(file) + " (" + table + "): " + std::string(store::describe(o)) + "\n";
-    };
-    load("outer3.mdb", "planets", xyz({"uranus", "neptune", "pluto"}), tables->planets);
-    load("asteroid.mdb", "asteroids", xyz({"juno", "vesta", "ceres", "pallas"}), tables->asteroids);
-    load("asteroid.mdb", "chiron", xyz({"chiron"}), tables->chiron);
-    return tables;
 }
 
 void store_table_body(Session& s, double x, double y, double z, int entry) {

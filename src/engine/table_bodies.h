@@ -2,7 +2,7 @@
 // Uranus, Neptune, Pluto, the four asteroids and Chiron from stored tables of heliocentric
 // rectangular positions at an even step, interpolated to the moment by the five-point rule.
 // The rows are read once into memory; a position then costs a search and an interpolation.
-#include "store/store_types.h"
+#include "session/dated_rows.h"
 
 #include <array>
 #include <cstdint>
@@ -27,10 +27,9 @@ class BodyTable {
     BodyTable(BodyTable&&) noexcept;
     BodyTable& operator=(BodyTable&&) noexcept;
 
-    // Opens `table` of the store file, with the given columns after `julian_day_number`, and
-    // reads its first and last rows. Outcome ok, or what the store said.
-    store::Outcome open(const std::filesystem::path& file, const std::string& table,
-                        const std::vector<std::string>& columns);
+    // Reads a stored table through `source` (`columns` values a row), chunk by chunk as moments
+    // ask. False for a table of fewer than six rows, which cannot answer.
+    bool attach(std::unique_ptr<DatedRowSource> source, int columns);
     // A table made in memory (dates ascending at any step), for tests and tools.
     void assign(std::vector<double> dates, std::vector<double> values, int columns);
 
@@ -55,12 +54,6 @@ struct BodyTables {
     BodyTable asteroids; // asteroid.mdb: Juno, Vesta, Ceres, Pallas
     BodyTable chiron;    // asteroid.mdb: Chiron
 };
-
-// Opens outer3.mdb and asteroid.mdb in `directory` and their three tables. A table that cannot be
-// opened stays unloaded: the planets then fail at their first use, the asteroids and Chiron drop
-// out of the charts. The text says what failed, empty when all opened.
-std::shared_ptr<const BodyTables> open_body_tables(const std::filesystem::path& directory,
-                                                   std::string& problems);
 
 // Uranus, Neptune and Pluto through light time into helio entries 6 to 8.
 void calculate_uranus(Session& s, double jd);

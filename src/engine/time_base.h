@@ -1,6 +1,6 @@
 #pragma once
 // The time base of a calculation, the fundamental lunar arguments and the nutation.
-#include "engine/positions.h"
+#include "session/positions.h"
 
 namespace celestark {
 

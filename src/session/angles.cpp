@@ -98,6 +98,12 @@ double general_precession(double t) {
     return ((0.000616667 * t / 2.0) + 1.3960011) * t;
 }
 
+void equatorial_to_ecliptic_j2000(double ra, double dec, double& longitude, double& latitude) {
+    const double e = j2000_obliquity_deg * deg_to_rad;
+    longitude = arctan2(std::sin(ra) * std::cos(e) + std::tan(dec) * std::sin(e), std::cos(ra));
+    latitude = arcsin(std::sin(dec) * std::cos(e) - std::cos(dec) * std::sin(e) * std::sin(ra));
+}
+
 double interpolate5(double n, double y1, double y2, double y3, double y4, double y5) {
     const double a = y2 - y1, b = y3 - y2, c = y4 - y3, d = y5 - y4;
     const double e = b - a, f = c - b, g = d - c;

@@ -28,6 +28,13 @@ float arctan2(float y, float x);
 // The general precession in longitude since J2000, degrees, for t in Julian centuries.
 double general_precession(double t);
 
+// The obliquity of the J2000 ecliptic, degrees, that the catalogue conversion uses.
+inline constexpr double j2000_obliquity_deg = 23.4392911;
+
+// J2000 equatorial to J2000 ecliptic coordinates, radians. The longitude is that of arctan2 (-pi
+// to pi).
+void equatorial_to_ecliptic_j2000(double ra, double dec, double& longitude, double& latitude);
+
 // Five-point central-difference interpolation about the middle value y3; n from -0.5 to 0.5 is
 // its best range.
 double interpolate5(double n, double y1, double y2, double y3, double y4, double y5);

@@ -2,12 +2,12 @@
 // The session: every value the system keeps for the length of a run, cut into plain structs named
 // after what they hold. Operations take the session explicitly; there is no global state, so two
 // sessions can live in one process (a test per case, a search on a worker thread with its own).
-#include "aspects/aspect_matrix.h"
-#include "engine/positions.h"
+#include "session/aspect_matrix.h"
 #include "session/drawing_state.h"
 #include "session/event.h"
 #include "session/messages.h"
 #include "session/option_state.h"
+#include "session/positions.h"
 #include "session/star_state.h"
 #include "session/text.h"
 

@@ -71,6 +71,47 @@ struct FixedPoint {
     unsigned char sigil = 0;
 };
 
+// The orb options of `option_name`: sets 1 and 2 (one orb and a magnitude limit), 3 and 4 (orbs
+// for magnitude 1 and 6 and a limit), 5 and 6 (orbs for magnitudes 1 to 6). Degrees.
+struct StarOrbOptions {
+    double orb_1 = 0, orb_2 = 0;
+    float orb_1_magnitude = 0, orb_2_magnitude = 0;
+    double orb_3_mag1 = 0, orb_3_mag6 = 0, orb_4_mag1 = 0, orb_4_mag6 = 0;
+    float orb_3_magnitude = 0, orb_4_magnitude = 0;
+    double orb_5[6]{}, orb_6[6]{}; // magnitude 1 to 6
+};
+
+// The groups of the star database screen and the field that marks each; the twelve user groups
+// take their names from the options star_1 to star_12.
+inline constexpr const char* zodiac_group = "Basic star zodiac stars";
+inline constexpr const char* chart_group = "Star Group stars in chart";
+inline constexpr const char* excluded_group = "Excluded stars";
+inline constexpr std::array<const char*, 12> user_group_fields = {
+    "sel_2",   "sel_3",   "sel_2_1", "sel_2_2", "sel_2_3", "sel_2_4",
+    "sel_2_5", "sel_2_6", "sel_2_7", "sel_2_8", "sel_2_9", "sel_2_10"};
+
+// A star of the catalogue as the star analysis reads it: J2000 place and proper motion in radians
+// (radians a year), magnitudes, and what names it.
+struct CatalogueStar {
+    double ra = 0, dec = 0, pm_ra = 0, pm_dec = 0;
+    float magnitude = 0, absolute_magnitude = 0;
+    std::string greek_letter, star_number, star_name, constellation;
+    std::string spectral_type, luminosity_class;
+    double distance = 0; // light years
+};
+
+struct StarState;
+
+// What the engine reads of stars.mdb, which the store provides: the stars of a group (the field
+// that marks it; empty for every star; excluded stars drop out of every group but their own), and
+// the fixed points again when the file has been written since they were read.
+class StarCatalogueSource {
+  public:
+    virtual ~StarCatalogueSource() = default;
+    virtual std::vector<CatalogueStar> group_stars(const std::string& field) = 0;
+    virtual void refresh_fixed_points(StarState& stars) = 0;
+};
+
 struct StarState {
     // Cell (row, number) at (row - 1) * star_cache_numbers + number - 1; empty until loaded.
     std::vector<StarCacheCell> star_cache;
@@ -88,8 +129,10 @@ struct StarState {
     std::vector<FixedPoint> fixed_points;
     std::uint64_t fixed_points_read_at = 0; // the store's change count when they were read
     bool fixed_points_read = false;
-    // stars.mdb with its tables `stars` (under `star`) and `fixed`, open for the session.
+    // stars.mdb with its tables `stars` (under `star`) and `fixed`, open for the session, and the
+    // same file as the engine reads it.
     std::shared_ptr<StarStores> stores;
+    std::shared_ptr<StarCatalogueSource> catalogue;
 
     const StarCacheCell& cell(int row, int number) const {
         return star_cache[static_cast<std::size_t>((row - 1) * star_cache_numbers + number - 1)];

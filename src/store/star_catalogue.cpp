@@ -1,5 +1,7 @@
 #include "store/star_catalogue.h"
 
+#include "store/option_store.h"
+
 #include "session/constants.h"
 #include "session/session.h"
 #include "session/text.h"
@@ -104,6 +106,51 @@ Outcome create_star_tables(store::TableStore& db) {
     return o;
 }
 
+namespace {
+
+// stars.mdb as the engine reads it.
+class StoredCatalogue : public StarCatalogueSource {
+  public:
+    explicit StoredCatalogue(std::shared_ptr<StarStores> stores) : stores_(std::move(stores)) {}
+
+    std::vector<CatalogueStar> group_stars(const std::string& field) override {
+        std::vector<CatalogueStar> out;
+        Recordset& rs = stores_->stars;
+        if (!rs.is_open()) return out;
+        const StarRowReader c(rs);
+        const int group_column = field.empty() ? -1 : rs.field_index(field);
+        if (!field.empty() && group_column < 0) return out;
+        for (auto o = rs.move_first(); o == Outcome::ok && rs.has_current(); o = rs.move_next()) {
+            if (group_column >= 0 && !c.flag(rs, group_column)) continue;
+            if (field != "sel_4" && c.flag(rs, c.sel_4)) continue;
+            const StarValues v = c.values(rs);
+            CatalogueStar& star = out.emplace_back();
+            star.ra = v.ra;
+            star.dec = v.dec;
+            star.pm_ra = v.pm_ra;
+            star.pm_dec = v.pm_dec;
+            star.magnitude = v.magnitude;
+            star.absolute_magnitude = v.absolute_magnitude;
+            star.greek_letter = trim(c.text(rs, c.greek_letter));
+            star.star_number = trim(c.text(rs, c.star_number));
+            star.star_name = trim(c.text(rs, c.star_name));
+            star.constellation = c.text(rs, c.constellation);
+            star.spectral_type = c.text(rs, c.spectral_type);
+            star.luminosity_class = c.text(rs, c.luminosity_class);
+            star.distance = c.number(rs, c.distance);
+        }
+        rs.move_first();
+        return out;
+    }
+
+    void refresh_fixed_points(StarState& stars) override { celestark::refresh_fixed_points(stars); }
+
+  private:
+    std::shared_ptr<StarStores> stores_;
+};
+
+} // namespace
+
 std::string open_star_tables(Session& s) {
     auto stores = std::make_shared<StarStores>();
     const auto file = store::find_file(s.program_directory, star_file_name);
@@ -124,8 +171,10 @@ std::string open_star_tables(Session& s) {
         if (!stores->db.last_error().empty() && stores->db.last_error() != why)
             why += " (" + stores->db.last_error() + ")";
         s.stars.stores.reset();
+        s.stars.catalogue.reset();
         return "Cannot open " + failed + " of " + file.string() + ": " + why;
     }
+    s.stars.catalogue = std::make_shared<StoredCatalogue>(stores);
     s.stars.stores = std::move(stores);
     s.stars.fixed_points_read = false;
     return {};
@@ -283,8 +332,7 @@ void load_star_tables(Session& s, MessageSink& sink) {
             st.chart_star_cache[static_cast<std::size_t>(i)].glyph;
 }
 
-void load_fixed_points(Session& s) {
-    StarState& st = s.stars;
+void load_fixed_points(StarState& st) {
     st.fixed_points.clear();
     st.fixed_sigils.clear();
     st.fixed_points_read = true;
@@ -314,11 +362,43 @@ void load_fixed_points(Session& s) {
     }
 }
 
-void refresh_fixed_points(Session& s) {
-    StarState& st = s.stars;
+void refresh_fixed_points(StarState& st) {
     if (!st.stores) return;
     if (!st.fixed_points_read || st.stores->db.change_count() != st.fixed_points_read_at)
-        load_fixed_points(s);
+        load_fixed_points(st);
+}
+
+StarOrbOptions read_star_orb_options(Session& s) {
+    auto value = [&](const std::string& field) {
+        return read_option(s, "option_name", field).as_double();
+    };
+    auto orb = [&](const std::string& prefix) {
+        return value(prefix + "degs") + value(prefix + "mins") / 60.0;
+    };
+    StarOrbOptions o;
+    o.orb_1 = orb("orb_1_");
+    o.orb_2 = orb("orb_2_");
+    o.orb_1_magnitude = static_cast<float>(value("orb_1_magnitude"));
+    o.orb_2_magnitude = static_cast<float>(value("orb_2_magnitude"));
+    o.orb_3_mag1 = orb("orb_3_mag1_");
+    o.orb_3_mag6 = orb("orb_3_mag6_");
+    o.orb_4_mag1 = orb("orb_4_mag1_");
+    o.orb_4_mag6 = orb("orb_4_mag6_");
+    o.orb_3_magnitude = static_cast<float>(value("orb_3_magnitude"));
+    o.orb_4_magnitude = static_cast<float>(value("orb_4_magnitude"));
+    for (int mag = 1; mag <= 6; ++mag) {
+        const std::string step = "mag" + std::to_string(mag) + "_";
+        o.orb_5[mag - 1] = orb("orb_5_" + step);
+        o.orb_6[mag - 1] = orb("orb_6_" + step);
+    }
+    return o;
+}
+
+std::array<std::string, 12> star_group_names(Session& s) {
+    std::array<std::string, 12> names;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        names[i] = trim(read_option(s, "option_name", "star_" + std::to_string(i + 1)).as_text());
+    return names;
 }
 
 } // namespace celestark

@@ -4,6 +4,7 @@
 // from the published catalogue in data/stars; a session opens it at the start, reads the star
 // caches and the fixed points from it, and keeps it open.
 #include "session/messages.h"
+#include "session/star_state.h"
 #include "store/table_store.h"
 
 #include <array>
@@ -118,15 +119,6 @@ inline constexpr std::array<std::string_view, 90> star_database_constellations =
 // The star cache row of a constellation: 1 Aries to 12 Pisces, 13 Ophiuchus, 14 any other.
 int star_cache_row(std::string_view constellation);
 
-// The groups of the star database screen and the field that marks each; the twelve user groups
-// take their names from the options star_1 to star_12.
-inline constexpr const char* zodiac_group = "Basic star zodiac stars";
-inline constexpr const char* chart_group = "Star Group stars in chart";
-inline constexpr const char* excluded_group = "Excluded stars";
-inline constexpr std::array<const char*, 12> user_group_fields = {
-    "sel_2",   "sel_3",   "sel_2_1", "sel_2_2", "sel_2_3", "sel_2_4",
-    "sel_2_5", "sel_2_6", "sel_2_7", "sel_2_8", "sel_2_9", "sel_2_10"};
-
 // An absolute magnitude the catalogue does not know (no parallax) is read as this: too faint for
 // any orb that a limit of absolute magnitude gives.
 inline constexpr float unknown_absolute_magnitude = 99;
@@ -183,9 +175,14 @@ std::string open_star_tables(Session& s);
 void load_star_tables(Session& s, MessageSink& sink);
 
 // Reads the rows of `fixed` into the session's fixed points and `fixed_sigils`.
-void load_fixed_points(Session& s);
+void load_fixed_points(StarState& stars);
 // The same when stars.mdb has been written since the last read (a session without stars.mdb
 // keeps the points it has).
-void refresh_fixed_points(Session& s);
+void refresh_fixed_points(StarState& stars);
+
+// The orb options of the star orb sets, read from the option record.
+StarOrbOptions read_star_orb_options(Session& s);
+// The names of the user star groups: the options star_1 to star_12.
+std::array<std::string, 12> star_group_names(Session& s);
 
 } // namespace celestark

@@ -1,7 +1,7 @@
 // Builds stars.mdb from the published catalogue in data/stars (see docs/data.md, "Star
 // catalogue"): every star of the CSV in one row of `stars`, numbered by brightness within its
 // constellation, and the sample rows of `fixed`.
-#include "engine/stars.h"
+#include "session/angles.h"
 #include "session/constants.h"
 #include "session/star_state.h"
 #include "store/star_catalogue.h"

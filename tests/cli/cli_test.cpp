@@ -4,7 +4,7 @@
 #include "render.h"
 
 #include "../store/store_test_support.h"
-#include "session/event_input.h"
+#include "screens/event_input.h"
 #include "store/event_schema.h"
 
 #include <QFile>

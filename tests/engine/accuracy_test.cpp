@@ -1,9 +1,9 @@
 // The engine against an independent ephemeris at the same terrestrial time.
 #include "engine/chart.h"
-#include "engine/positions.h"
 #include "reference_data.h"
 #include "session/angles.h"
 #include "session/constants.h"
+#include "session/positions.h"
 #include "session/session.h"
 
 #include <gtest/gtest.h>

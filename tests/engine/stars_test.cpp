@@ -2,6 +2,7 @@
 // the star analysis; the catalogue stars against the reference ephemeris.
 #include "../store/program_folder.h"
 #include "../store/star_test_support.h"
+#include "app/body_tables.h"
 #include "engine/chart.h"
 #include "engine/chart_steps.h"
 #include "engine/fixed_points.h"
@@ -9,11 +10,12 @@
 #include "engine/stars.h"
 #include "engine/table_bodies.h"
 #include "event_rows.h"
+#include "screens/star_windows.h"
 #include "session/angles.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "store/option_store.h"
-#include "store/star_windows.h"
+#include "store/star_catalogue.h"
 
 #include <gtest/gtest.h>
 
@@ -463,12 +465,16 @@ class StarAnalysisTest : public ::testing::Test {
         s_.chart.stars_in_charts = 0;
         calculate_chart(s_, 1, false);
     }
+    StarAnalysis analyse(const std::string& group, StarAnalysisKind kind, std::size_t max_hits) {
+        return star_analysis(s_, group, "1", kind, max_hits, star_group_names(s_),
+                             read_star_orb_options(s_));
+    }
     testing::ProgramFolder folder_;
     Session s_;
 };
 
 TEST_F(StarAnalysisTest, TheSunOnRegulus) {
-    const StarAnalysis a = star_analysis(s_, "All Stars", "1", StarAnalysisKind::longitude, 100);
+    const StarAnalysis a = analyse("All Stars", StarAnalysisKind::longitude, 100);
     ASSERT_FALSE(a.skipped);
     const auto regulus = std::find_if(a.hits.begin(), a.hits.end(), [](const StarHit& h) {
         return h.point == glyph::sun && h.star_name == "Regulus";
@@ -500,7 +506,7 @@ TEST_F(StarAnalysisTest, GroupsVariantsAndTheFullPage) {
         {"All Stars", StarAnalysisKind::horizon, 100, false, false, false},
     };
     for (const auto& c : cases) {
-        const StarAnalysis a = star_analysis(s_, c.group, "1", c.kind, c.max_hits);
+        const StarAnalysis a = analyse(c.group, c.kind, c.max_hits);
         EXPECT_EQ(a.skipped, c.skipped) << c.group;
         EXPECT_EQ(a.too_many, c.too_many) << c.group;
         const bool regulus = std::any_of(a.hits.begin(), a.hits.end(), [](const StarHit& h) {
@@ -517,7 +523,7 @@ TEST_F(StarAnalysisTest, GroupsVariantsAndTheFullPage) {
     ASSERT_FALSE(leo.empty());
     ASSERT_EQ(set_star_field(s_, leo[0].bookmark, "star_selection_4", "True", folder_.sink),
               store::Outcome::ok);
-    const StarAnalysis a = star_analysis(s_, "All Stars", "1", StarAnalysisKind::longitude, 100);
+    const StarAnalysis a = analyse("All Stars", StarAnalysisKind::longitude, 100);
     EXPECT_TRUE(std::none_of(a.hits.begin(), a.hits.end(),
                              [](const StarHit& h) { return h.star_name == "Regulus"; }));
 }

@@ -1,3 +1,4 @@
+#include "app/body_tables.h"
 #include "engine/chart.h"
 #include "engine/table_bodies.h"
 #include "engine/world_views.h"
@@ -7,6 +8,7 @@
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
+#include "store/dated_rows.h"
 #include "store/table_store.h"
 
 #include <gtest/gtest.h>
@@ -98,8 +100,11 @@ TEST(TableReading, ChunksReadFromTheStoreGiveTheSameRows) {
         ASSERT_EQ(tx.commit(), store::Outcome::ok);
     }
     BodyTable stored;
-    ASSERT_EQ(stored.open(file, "t", {"b_x_position", "b_y_position", "b_z_position"}),
-              store::Outcome::ok);
+    store::Outcome opened = store::Outcome::ok;
+    ASSERT_TRUE(stored.attach(
+        store::open_dated_rows(file, "t", {"b_x_position", "b_y_position", "b_z_position"}, opened),
+        3));
+    ASSERT_EQ(opened, store::Outcome::ok);
     EXPECT_EQ(stored.rows(), rows);
     EXPECT_EQ(stored.step(), 10.0);
     std::vector<double> dates, values;

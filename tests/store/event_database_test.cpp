@@ -1,12 +1,13 @@
 // Event databases: the start of the event store with its first-start and failure paths, the
 // database window's operations, the table test and the search list.
+#include "app/body_tables.h"
 #include "program_folder.h"
-#include "session/event_input.h"
+#include "screens/event_database_screen.h"
+#include "screens/event_input.h"
+#include "screens/event_search.h"
 #include "session/text.h"
 #include "store/event_database.h"
-#include "store/event_database_screen.h"
 #include "store/event_schema.h"
-#include "store/event_search.h"
 #include "store/option_store.h"
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 // rows, and a session started in it with everything it says recorded.
 #pragma once
 
+#include "app/startup.h"
 #include "session/session.h"
-#include "session/startup.h"
 #include "store/open_stores.h"
 #include "store/option_defaults.h"
 #include "store_test_support.h"

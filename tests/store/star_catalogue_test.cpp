@@ -2,11 +2,11 @@
 // load_star_tables, the start, and what the star and fixed point windows do.
 #include "engine/star_analysis.h"
 #include "program_folder.h"
+#include "screens/star_windows.h"
 #include "session/constants.h"
 #include "star_test_support.h"
 #include "store/option_store.h"
 #include "store/star_catalogue.h"
-#include "store/star_windows.h"
 
 #include <gtest/gtest.h>
 

@@ -75,7 +75,7 @@ inline void open_stars(Session& s, const std::filesystem::path& folder, MessageS
     initialise_session(s, folder.string());
     ASSERT_EQ(open_star_tables(s), "");
     load_star_tables(s, sink);
-    load_fixed_points(s);
+    load_fixed_points(s.stars);
 }
 
 } // namespace celestark::testing

@@ -3,6 +3,7 @@
 // between the screen, the slots and the stored event table.
 #include "session/event.h"
 #include "session/messages.h"
+#include "store/event_rows.h"
 
 #include <functional>
 #include <string>
@@ -54,10 +55,6 @@ struct EventTable {
     store::Recordset& records;
     std::string index_in_use = "Name_Event";
 };
-
-// Copies the current stored record into a slot row: a null field takes the column's null value,
-// the last column "NOTUSED", column 0 the record's bookmark.
-void load_event_row(store::Recordset& records, EventSlots& slots, int row);
 
 // Writes the screen's values into the current record, under an edit or add the caller began.
 void write_event_row(const EventInput& input, store::Recordset& records);

@@ -1,4 +1,4 @@
-#include "session/event_input.h"
+#include "screens/event_input.h"
 
 #include "session/text.h"
 #include "store/table_store.h"
@@ -76,17 +76,6 @@ void slot_to_screen(const EventSlots& slots, int row, EventInput& input) {
 void copy_screen_to_slot(const EventInput& input, EventSlots& slots, int row) {
     EventRow& r = slots[row];
     for (int c = 0; c < col::notused; ++c) r[static_cast<std::size_t>(c)] = screen_value(input, c);
-    r[col::notused] = std::string(notused_text);
-}
-
-void load_event_row(store::Recordset& records, EventSlots& slots, int row) {
-    EventRow& r = slots[row];
-    for (int c = col::event; c < col::notused; ++c) {
-        const EventColumn& column = column_of(c);
-        const store::Value v = records.get(column.field);
-        r[static_cast<std::size_t>(c)] = v.is_null() ? std::string(column.null_value) : v.as_text();
-    }
-    r[col::bookmark] = records.bookmark();
     r[col::notused] = std::string(notused_text);
 }
 

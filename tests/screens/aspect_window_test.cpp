@@ -1,9 +1,9 @@
 // Aspect sets in option.mdb: loading with the glyph match and its failure, and the aspects
 // window's operations (chooser, list, pick, checks, save, new row, new set, delete, leave).
+#include "../aspects/aspect_test_support.h"
 #include "../store/program_folder.h"
-#include "aspect_test_support.h"
 #include "aspects/aspect_search.h"
-#include "aspects/aspect_window.h"
+#include "screens/aspect_window.h"
 #include "session/fixed_tables.h"
 #include "store/option_schema.h"
 #include "store/option_sets.h"

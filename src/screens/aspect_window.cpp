@@ -1,4 +1,4 @@
-#include "aspects/aspect_window.h"
+#include "screens/aspect_window.h"
 
 #include "session/session.h"
 #include "session/text.h"

@@ -1,4 +1,4 @@
-#include "store/star_windows.h"
+#include "screens/star_windows.h"
 
 #include "engine/star_analysis.h"
 #include "session/session.h"
@@ -377,7 +377,7 @@ Outcome set_fixed_field(Session& s, const std::string& bookmark, const std::stri
     if (o != Outcome::ok)
         report(sink, std::string("The fixed point's ") + it->field + " could not be stored", o);
     else
-        load_fixed_points(s); // the charts and the sigils take the change at once
+        load_fixed_points(s.stars); // the charts and the sigils take the change at once
     return o;
 }
 

@@ -1,5 +1,6 @@
-#include "session/startup.h"
+#include "app/startup.h"
 
+#include "app/body_tables.h"
 #include "engine/table_bodies.h"
 #include "session/session.h"
 #include "store/option_sets.h"
@@ -44,7 +45,7 @@ bool open_and_load_star_tables(Session& s, MessageSink& sink) {
         return false;
     }
     load_star_tables(s, sink);
-    load_fixed_points(s);
+    load_fixed_points(s.stars);
     return true;
 }
 

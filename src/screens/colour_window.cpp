@@ -1,4 +1,4 @@
-#include "store/colour_window.h"
+#include "screens/colour_window.h"
 
 #include "session/session.h"
 #include "session/text.h"

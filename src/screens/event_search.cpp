@@ -1,4 +1,4 @@
-#include "store/event_search.h"
+#include "screens/event_search.h"
 
 #include "session/session.h"
 #include "store/open_stores.h"

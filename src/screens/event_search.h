@@ -1,7 +1,7 @@
 #pragma once
 // The event search window's list: one line per row of the open event table in the order of the
 // chosen index, each with the row's bookmark, and what the window's commands do with a line.
-#include "session/event_input.h"
+#include "screens/event_input.h"
 #include "session/messages.h"
 #include "session/text.h"
 #include "store/event_database.h"

@@ -1,4 +1,4 @@
-#include "store/zodiac_window.h"
+#include "screens/zodiac_window.h"
 
 #include "session/calendar.h"
 #include "session/session.h"

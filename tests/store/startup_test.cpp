@@ -2,7 +2,7 @@
 // the end of the process leaves every stored file whole.
 #include "../store/program_folder.h"
 #include "engine/chart.h"
-#include "session/event_input.h"
+#include "screens/event_input.h"
 #include "store/option_store.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "store/event_database_screen.h"
+#include "screens/event_database_screen.h"
 
 #include "session/session.h"
 #include "session/text.h"

@@ -1,6 +1,6 @@
-#include "program_folder.h"
+#include "../store/program_folder.h"
+#include "screens/zodiac_window.h"
 #include "store/option_store.h"
-#include "store/zodiac_window.h"
 
 #include <gtest/gtest.h>
 

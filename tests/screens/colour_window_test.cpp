@@ -1,8 +1,8 @@
 // The COLOURS window's operations on the colour sets of option.mdb.
-#include "program_folder.h"
+#include "../store/program_folder.h"
 
+#include "screens/colour_window.h"
 #include "session/colour_fields.h"
-#include "store/colour_window.h"
 
 namespace celestark::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "session/event_input.h"
+#include "screens/event_input.h"
 #include "store/event_schema.h"
 #include "store/table_store.h"
 
