@@ -53,6 +53,8 @@ class RecordingSurface : public Surface {
 
     const std::vector<DrawCall>& calls() const { return calls_; }
     void forget() { calls_.clear(); }
+    // The surface the calls pass on to (null: none).
+    void set_inner(Surface* inner) { inner_ = inner; }
     // The page could be cancelled by the test: the answer of the next setup dialog.
     bool setup_answer = true;
 

@@ -21,6 +21,8 @@ class MessageSink {
     virtual bool ask(const std::string& title, const std::string& text) = 0;
     // One line of the input error list, which gathers all errors of a check.
     virtual void input_error(const std::string& line) = 0;
+    // The check has ended: the lines gathered since the last call are shown together.
+    virtual void show_input_errors() {}
 };
 
 // Records everything; questions are answered from `answers` in order, then `default_answer`.

@@ -1,0 +1,69 @@
+#include "screens/widgets/desktop.h"
+
+#include "drawing/chart_pages.h"
+#include "screens/chart_commands.h"
+#include "screens/widgets/chart_display.h"
+#include "screens/widgets/chart_window.h"
+#include "session/session.h"
+
+#include <QApplication>
+
+namespace celestark::screens {
+
+Desktop::Desktop(Session& session) : session_(session), drawing_(session, canvases_) {
+    chart_window_ = std::make_unique<ChartWindow>(*this);
+    add_event_input_windows(*this);
+    add_option_windows(*this);
+    add_event_database_windows(*this);
+    add_option_set_windows(*this);
+    add_star_windows(*this);
+    add_help_windows(*this);
+    chart_window_->enable_known_commands();
+}
+
+Desktop::~Desktop() = default;
+
+ChartWindow& Desktop::chart_window() {
+    return *chart_window_;
+}
+
+ChartDisplay& Desktop::chart_display() {
+    if (!chart_display_) chart_display_ = std::make_unique<ChartDisplay>(*this);
+    return *chart_display_;
+}
+
+bool Desktop::knows(const std::string& command) const {
+    return find_chart_command(command) != nullptr || commands_.count(command) > 0;
+}
+
+void Desktop::add_command(const std::string& command, std::function<void()> open) {
+    commands_[command] = std::move(open);
+}
+
+bool Desktop::run(const std::string& command) {
+    if (const ChartCommand* c = find_chart_command(command)) {
+        if (chart_request(session_, *c, session_sink(session_))) show_page();
+        return true;
+    }
+    const auto it = commands_.find(command);
+    if (it == commands_.end()) return false;
+    it->second();
+    return true;
+}
+
+void Desktop::refresh_chart_window() {
+    chart_window_->refresh();
+    emit slots_changed();
+}
+
+void Desktop::show_page() {
+    chart_display().show_page();
+}
+
+void Desktop::quit() {
+    quitting_ = true;
+    QApplication::closeAllWindows();
+    QApplication::quit();
+}
+
+} // namespace celestark::screens

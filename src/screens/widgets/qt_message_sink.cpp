@@ -1,0 +1,74 @@
+#include "screens/widgets/qt_message_sink.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace celestark::screens {
+
+namespace {
+
+QString qt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+QMessageBox::Icon icon_of(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::information:
+        return QMessageBox::Information;
+    case MessageIcon::exclamation:
+        return QMessageBox::Warning;
+    case MessageIcon::critical:
+        return QMessageBox::Critical;
+    case MessageIcon::question:
+        return QMessageBox::Question;
+    }
+    return QMessageBox::Information;
+}
+
+} // namespace
+
+InputErrorsWindow::InputErrorsWindow(const std::vector<std::string>& lines, QWidget* parent)
+    : QDialog(parent) {
+    setObjectName("input_errors");
+    setWindowTitle("PLEASE CORRECT THE FOLLOWING ERRORS");
+    auto* layout = new QVBoxLayout(this);
+    auto* list = new QListWidget(this);
+    list->setObjectName("list_of_errors");
+    for (const std::string& line : lines) list->addItem(qt(line));
+    list->setMinimumWidth(560);
+    layout->addWidget(list);
+    auto* ok = new QPushButton("OK", this);
+    ok->setObjectName("event_errors_ok");
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    layout->addWidget(ok, 0, Qt::AlignRight);
+}
+
+void QtMessageSink::message(const std::string& title, const std::string& text, MessageIcon icon) {
+    QMessageBox box(icon_of(icon), qt(title), qt(text), QMessageBox::Ok,
+                    QApplication::activeWindow());
+    box.exec();
+}
+
+bool QtMessageSink::ask(const std::string& title, const std::string& text) {
+    return QMessageBox::question(QApplication::activeWindow(), qt(title), qt(text),
+                                 QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+
+void QtMessageSink::input_error(const std::string& line) {
+    pending_.push_back(line);
+}
+
+void QtMessageSink::show_input_errors() {
+    if (pending_.empty()) return;
+    InputErrorsWindow window(pending_, QApplication::activeWindow());
+    pending_.clear();
+    window.exec();
+}
+
+} // namespace celestark::screens

@@ -1,0 +1,35 @@
+#pragma once
+// Boxes, Yes/No questions and the input error list as real dialogs.
+#include "session/messages.h"
+
+#include <QDialog>
+
+#include <string>
+#include <vector>
+
+class QListWidget;
+class QWidget;
+
+namespace celestark::screens {
+
+// The `input_errors` window: "PLEASE CORRECT THE FOLLOWING ERRORS", the list `list_of_errors`,
+// the button `event_errors_ok`.
+class InputErrorsWindow : public QDialog {
+    Q_OBJECT
+  public:
+    InputErrorsWindow(const std::vector<std::string>& lines, QWidget* parent);
+};
+
+class QtMessageSink : public MessageSink {
+  public:
+    // Boxes stand over the window that is active when they show.
+    void message(const std::string& title, const std::string& text, MessageIcon icon) override;
+    bool ask(const std::string& title, const std::string& text) override;
+    void input_error(const std::string& line) override;
+    void show_input_errors() override;
+
+  private:
+    std::vector<std::string> pending_;
+};
+
+} // namespace celestark::screens
