@@ -51,6 +51,14 @@ bool Desktop::run(const std::string& command) {
     return true;
 }
 
+void Desktop::edit_event(const EventInput& input) {
+    if (event_editor_) event_editor_(input);
+}
+
+void Desktop::set_event_editor(std::function<void(const EventInput&)> editor) {
+    event_editor_ = std::move(editor);
+}
+
 void Desktop::refresh_chart_window() {
     chart_window_->refresh();
     emit slots_changed();

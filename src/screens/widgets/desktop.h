@@ -13,7 +13,8 @@
 
 namespace celestark {
 struct Session;
-}
+struct EventInput;
+} // namespace celestark
 
 namespace celestark::screens {
 
@@ -40,6 +41,11 @@ class Desktop : public QObject {
     // A window's way in: the command that opens it.
     void add_command(const std::string& command, std::function<void()> open);
 
+    // The event input window on an event (the search window's EDIT EVENT); the input window
+    // gives the way in.
+    void edit_event(const EventInput& input);
+    void set_event_editor(std::function<void(const EventInput&)> editor);
+
     // The main chart window shows the slots, the store and the options again.
     void refresh_chart_window();
     // Draws the page of the drawing values on the chart window and shows it.
@@ -59,6 +65,7 @@ class Desktop : public QObject {
     std::unique_ptr<ChartWindow> chart_window_;
     std::unique_ptr<ChartDisplay> chart_display_;
     std::map<std::string, std::function<void()>> commands_;
+    std::function<void(const EventInput&)> event_editor_;
     bool quitting_ = false;
 };
 
