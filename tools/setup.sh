@@ -5,7 +5,7 @@ set -euo pipefail
 
 CELESTARK_PACKAGES=(cmake ninja-build g++ pkg-config libsqlite3-dev libgtest-dev libgmock-dev
   libbenchmark-dev libswe-dev swe-basic-data swe-standard-data qt6-base-dev qt6-svg-dev
-  libgl-dev poppler-utils)
+  libgl-dev poppler-utils xvfb xauth x11-utils x11-apps)
 
 celestark_install_missing() {
   local missing=()
