@@ -2,6 +2,7 @@
 
 #include "aspects/aspect_search.h"
 #include "drawing/page_furniture.h"
+#include "drawing/recording_surface.h"
 #include "drawing/wheel.h"
 #include "engine/chart.h"
 #include "session/colour_fields.h"
@@ -111,9 +112,9 @@ struct Layout {
 };
 
 float header_font(Drawing& g, float width) {
-    // The printed pages' unit; on screen a header never wider than its column.
+    // The printed pages' unit; on screen no larger than its column takes, its long lines broken.
     const float unit = (g.d.page_right - g.d.page_left) / 1100;
-    return std::min(unit, width / 560.0f);
+    return std::min(unit * (g.d.printing ? 1.0f : 0.7f), width / 330.0f);
 }
 
 Layout single_layout(Drawing& g, int header_lines) {
@@ -121,9 +122,10 @@ Layout single_layout(Drawing& g, int header_lines) {
     Layout l;
     const float width = d.frame_right - d.frame_left, height = d.frame_bottom - d.frame_top;
     if (!d.printing && width > height * 1.15f) {
-        l.R = std::min(width, height) / 2;
+        // The tables keep at least a third of the width.
+        l.R = std::min(height, width * 0.64f) / 2;
         l.cx = d.frame_left + l.R;
-        l.cy = d.frame_top + l.R;
+        l.cy = d.frame_top + height / 2;
         l.tables_left = d.frame_left + 2 * l.R + width * 0.02f;
         l.tables_right = d.frame_right;
         l.header_x = l.tables_left;
@@ -163,14 +165,34 @@ void side_tables(Drawing& g, View v, const Layout& l, const AspectMatrix& m) {
     const float row =
         paper ? height / static_cast<float>(n + 1) : height / static_cast<float>(2 * n + 2);
     const float table_bottom = top + row * static_cast<float>(n + 1);
-    float x = l.tables_left;
-    x += position_table(g, x, top, table_bottom, 1.15f);
-    x += latitude_table(g, x, top, table_bottom, 1.15f);
-    if (v == View::geo && g.s.chart.house_system != "None")
-        x += house_table(g, x, top, top + row * 13, 1.15f, working_row(g));
-    else if (v == View::helio)
-        x += nodes_table(
-            g, x, top, top + row * static_cast<float>(g.s.engine.pos.helio_count_base + 1), 1.15f);
+    const auto body_tables = [&](float size) {
+        float x = l.tables_left;
+        x += position_table(g, x, top, table_bottom, size);
+        x += latitude_table(g, x, top, table_bottom, size);
+        if (v == View::geo && g.s.chart.house_system != "None")
+            x += house_table(g, x, top, top + row * 13, size, working_row(g));
+        else if (v == View::helio)
+            x += nodes_table(g, x, top,
+                             top + row * static_cast<float>(g.s.engine.pos.helio_count_base + 1),
+                             size);
+        return x;
+    };
+    // Tried first on a surface that only records, then set smaller where they would be wider
+    // than their room.
+    float size = 1.15f;
+    {
+        drawing::Surface*& target = g.d.printing ? g.canvases.printer : g.canvases.chart;
+        Surface* real = target;
+        RecordingSurface trial(real ? real->width() : 0, real ? real->height() : 0,
+                               real && real->is_page());
+        target = &trial;
+        const float needed = body_tables(size) - l.tables_left;
+        target = real;
+        const float room =
+            (paper ? (l.tables_right - l.tables_left) * 0.55f : l.tables_right - l.tables_left);
+        if (needed > room && room > 0) size *= needed / room;
+    }
+    const float x = body_tables(size);
     std::vector<unsigned char> glyphs;
     for (int i = 1; i <= m.rows; ++i) {
         const PositionLists& p = g.s.engine.pos;
@@ -200,9 +222,11 @@ void side_tables(Drawing& g, View v, const Layout& l, const AspectMatrix& m) {
 
 void single_page(Drawing& g, View v) {
     calculate(g);
-    const Layout l = single_layout(g, 6);
+    Layout l = single_layout(g, 6);
     const std::string title = v == View::geo ? g.s.chart.world_view : view_title(v);
-    page_header(g, l.header_x, true, title, l.header_y, true, working_row(g));
+    const float below = page_header(g, l.header_x, true, title, l.header_y, true, working_row(g),
+                                    l.tables_right - l.header_x);
+    if (l.tables_top < l.cy) l.tables_top = below + g.d.table_font_size * 20; // on screen
     draw_wheel(g, v, l.cx, l.cy, l.R, true);
     const AspectMatrix& m = search(g, v);
     side_tables(g, v, l, m);
@@ -229,7 +253,7 @@ void wheels_in_row(Drawing& g, const std::vector<View>& views, const std::string
     const float width = d.frame_right - d.frame_left, height = d.frame_bottom - d.frame_top;
     d.table_font_size = header_font(g, width);
     const float header_bottom =
-        page_header(g, d.frame_left, true, title, d.frame_top, true, working_row(g));
+        page_header(g, d.frame_left, true, title, d.frame_top, true, working_row(g), width);
     const auto n = static_cast<float>(views.size());
     const float room = d.frame_bottom - header_bottom - height * 0.03f;
     const float R = std::min(width / n, room) / 2 * 0.96f;
@@ -257,9 +281,10 @@ void triple_page(Drawing& g) {
 void helio_triple_page(Drawing& g) {
     calculate(g);
     Session& s = g.s;
-    const Layout l = single_layout(g, 6);
-    page_header(g, l.header_x, true, "Heliocentric (Planets/Apsides/Nodes)", l.header_y, true,
-                working_row(g));
+    Layout l = single_layout(g, 6);
+    const float below = page_header(g, l.header_x, true, "Heliocentric (Planets/Apsides/Nodes)",
+                                    l.header_y, true, working_row(g), l.tables_right - l.header_x);
+    if (l.tables_top < l.cy) l.tables_top = below + g.d.table_font_size * 20; // on screen
     const PositionLists& p = s.engine.pos;
     const float R = l.R, r0 = R * 0.85f;
     draw_zodiac_ring(g, l.cx, l.cy, R, r0, 0);

@@ -95,7 +95,7 @@ EventFacts event_facts(Drawing& g, int row_index) {
 }
 
 float page_header(Drawing& g, float x, bool with_aspect_set, const std::string& view, float y_first,
-                  bool with_zodiac, int row) {
+                  bool with_zodiac, int row, float max_width) {
     const EventFacts f = event_facts(g, row);
     g.display_font_size(g.d.table_font_size);
     std::vector<std::string> lines;
@@ -121,13 +121,25 @@ float page_header(Drawing& g, float x, bool with_aspect_set, const std::string& 
     }
     float y = y_first;
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        float w = 0, h = 0;
-        g.display_text_w_h(lines[i], 1.0f, w, h);
-        if (i == 0)
-            g.display_name_outside(x, y, lines[i]);
-        else
-            g.display_text_outside(x, y, lines[i]);
-        y += h;
+        // A line wider than the room is broken after its commas.
+        std::string rest = lines[i];
+        while (!rest.empty()) {
+            std::string part = rest;
+            float w = 0, h = 0;
+            g.display_text_w_h(part, 1.0f, w, h);
+            while (max_width > 0 && w > max_width) {
+                const std::size_t comma = part.rfind(", ", part.size() - 2);
+                if (comma == std::string::npos || comma == 0) break;
+                part = part.substr(0, comma + 1);
+                g.display_text_w_h(part, 1.0f, w, h);
+            }
+            if (i == 0)
+                g.display_name_outside(x, y, part);
+            else
+                g.display_text_outside(x, y, part);
+            y += h;
+            rest = part.size() < rest.size() ? "   " + trim(rest.substr(part.size())) : "";
+        }
     }
     return y;
 }

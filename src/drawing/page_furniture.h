@@ -28,9 +28,10 @@ struct EventFacts {
 EventFacts event_facts(Drawing& g, int row);
 
 // The printed header at x from y_first, in ARIAL at `table_font_size`: title, place, date,
-// time, sidereal time and zodiac. Returns the y below its last line.
+// time, sidereal time and zodiac; with `max_width` a line wider than that is broken after a
+// comma. Returns the y below its last line.
 float page_header(Drawing& g, float x, bool with_aspect_set, const std::string& view, float y_first,
-                  bool with_zodiac, int row);
+                  bool with_zodiac, int row, float max_width = 0);
 // The same facts centred on the wheel's axis inside a circle of `r_inner`.
 void draw_centre_data(Drawing& g, float cx, float cy, float r_inner, int row);
 
