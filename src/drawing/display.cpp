@@ -110,19 +110,16 @@ void Drawing::read_page_options() {
     auto general = [&](const char* field) {
         return read_option(s, store::general_options_table, field);
     };
-    auto chart = [&](const char* field) {
-        return read_option(s, store::chart_options_table, field);
-    };
     o.print_colour = general("option_print_colour").as_int() != 0;
     o.screen_line_width = static_cast<int>(general("option_screen_line_width").as_int());
     o.printer_line_width = static_cast<int>(general("option_printer_line_width").as_int());
     o.lat_long_secs = general("option_lat_long_secs").as_int() != 0;
     o.user_name = general("user_name").as_text();
-    o.display_ecliptic = chart("display_ecliptic").as_int() != 0;
-    o.display_equator = chart("display_equator").as_int() != 0;
-    o.display_horizon = chart("display_horizon").as_int() != 0;
-    o.display_meridian = chart("display_meridian").as_int() != 0;
-    o.star_zodiac_width = static_cast<int>(chart("star_zodiac_width").as_int());
+    o.display_ecliptic = general("display_ecliptic").as_int() != 0;
+    o.display_equator = general("display_equator").as_int() != 0;
+    o.display_horizon = general("display_horizon").as_int() != 0;
+    o.display_meridian = general("display_meridian").as_int() != 0;
+    o.star_zodiac_width = static_cast<int>(general("star_zodiac_width").as_int());
     // Without an option record (a session started bare) the options keep their first values.
     if (!s.stores) o = PageOptions{};
 }

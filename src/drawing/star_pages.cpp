@@ -132,7 +132,7 @@ void draw_map_stars(Drawing& g, const StarMap& map) {
     const StarState& stars = s.stars;
     if (stars.star_cache.empty()) return;
     auto option = [&](const char* field) {
-        return read_option(s, store::chart_options_table, field);
+        return read_option(s, store::general_options_table, field);
     };
     const bool lines = option("display_zodiac_lines").as_int() != 0;
     const double by_magnitude = s.stores ? option("additional_by_magnitude").as_double() : 0;

@@ -59,7 +59,7 @@ std::vector<GeneralField> make_general_fields() {
     flag("exclude_midheaven", false);
     flag("charts_conj_stars", false);
     words("charts_conj_orb_set", 2, "1");
-    words("charts_conj_orb_type", 20, "Longitude");
+    words("charts_conj_orb_type", 30, "Longitude");
     flag("display_zodiac_lines", false);
     for (const char* use : {"charts", "listings"}) {
         for (const char* kind : {"longitude", "long_lat", "horizon"})
