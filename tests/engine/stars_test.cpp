@@ -57,8 +57,8 @@ TEST(StarFrames, PrecessionFromJ2000) {
     lon = 1.0;
     lat = 0.3;
     precess_ecliptic_from_j2000(0, lon, lat);
-    EXPECT_EQ(lon, 1.0);
-    EXPECT_EQ(lat, 0.3);
+    EXPECT_NEAR(lon, 1.0, 1e-12);
+    EXPECT_NEAR(lat, 0.3, 1e-12);
 }
 
 StarMoment moment_at(double t, bool actual, double nutation, double offset, double sun) {
