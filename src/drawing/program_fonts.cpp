@@ -46,37 +46,37 @@ const char* const font_resources[font_file_count] = {
     ":/fonts/NotoSansSymbols2-Regular.ttf",
 };
 
-GlyphSpec sym(FontFile file, char32_t c, float scale = symbol_scale) {
-    GlyphSpec g;
+GlyphEntry sym(FontFile file, char32_t c, float scale = symbol_scale) {
+    GlyphEntry g;
     g.file = file;
     g.chars = std::u32string(1, c);
     g.scale = scale;
     return g;
 }
-GlyphSpec letters(std::u32string text, float scale = 0.9f, float scale_x = 1.0f) {
-    GlyphSpec g;
+GlyphEntry letters(std::u32string text, float scale = 0.9f, float scale_x = 1.0f) {
+    GlyphEntry g;
     g.file = FontFile::sans;
     g.chars = std::move(text);
     g.scale = scale;
     g.scale_x = scale_x;
     return g;
 }
-GlyphSpec shape(Shape s) {
-    GlyphSpec g;
+GlyphEntry shape(Shape s) {
+    GlyphEntry g;
     g.shape = s;
     return g;
 }
-GlyphSpec marked(GlyphSpec g, Shape mark) {
+GlyphEntry marked(GlyphEntry g, Shape mark) {
     g.mark = mark;
     return g;
 }
-GlyphSpec ringed(GlyphSpec g) {
+GlyphEntry ringed(GlyphEntry g) {
     g.ring_around = true;
     return g;
 }
 
-std::array<GlyphSpec, 256> make_symbol_glyphs() {
-    std::array<GlyphSpec, 256> t{};
+std::array<GlyphEntry, 256> make_symbol_glyphs() {
+    std::array<GlyphEntry, 256> t{};
     // Plain characters: digits, capitals, the blank and punctuation of position texts.
     for (int c = 32; c < 127; ++c) t[c] = letters(std::u32string(1, static_cast<char32_t>(c)), 1);
     const FontFile S = FontFile::symbols, S2 = FontFile::symbols2;
@@ -388,8 +388,8 @@ float advance_em(const QRawFont& font, quint32 glyph) {
 
 } // namespace
 
-const std::array<GlyphSpec, 256>& symbol_glyphs() {
-    static const std::array<GlyphSpec, 256> table = make_symbol_glyphs();
+const std::array<GlyphEntry, 256>& symbol_glyphs() {
+    static const std::array<GlyphEntry, 256> table = make_symbol_glyphs();
     return table;
 }
 
@@ -471,31 +471,31 @@ ProgramFonts::ProgramFonts() {
     }
     const auto& table = symbol_glyphs();
     for (int c = 0; c < 256; ++c) {
-        const GlyphSpec& spec = table[static_cast<std::size_t>(c)];
+        const GlyphEntry& entry = table[static_cast<std::size_t>(c)];
         float w = 0;
-        if (spec.shape != Shape::none) {
+        if (entry.shape != Shape::none) {
             w = shape_advance;
-        } else if (spec.file != FontFile::sans && spec.chars.size() == 1) {
+        } else if (entry.file != FontFile::sans && entry.chars.size() == 1) {
             // A symbol of the Noto fonts: brought to one size and centred in the symbol box,
             // as the fonts draw their symbols at sizes of their own.
-            const QRawFont& f = files_[static_cast<std::size_t>(spec.file)];
-            const QRectF box = f.boundingRect(glyph_index(f, spec.chars[0]));
+            const QRawFont& f = files_[static_cast<std::size_t>(entry.file)];
+            const QRectF box = f.boundingRect(glyph_index(f, entry.chars[0]));
             const double size = std::max({box.height(), 0.85 * box.width(), 1.0}) / units_per_em;
-            const double k = symbol_height * spec.scale / symbol_scale / size;
+            const double k = symbol_height * entry.scale / symbol_scale / size;
             Fit& fit = symbol_fit_[static_cast<std::size_t>(c)];
             fit.scale = static_cast<float>(k);
             w = static_cast<float>(box.width() / units_per_em * k + 2 * symbol_side);
-            if (spec.ring_around) w = std::max(w, shape_advance) + 2 * symbol_side;
+            if (entry.ring_around) w = std::max(w, shape_advance) + 2 * symbol_side;
             fit.dx = static_cast<float>((w - box.width() / units_per_em * k) / 2 -
                                         box.left() / units_per_em * k);
             fit.dy = static_cast<float>(shape_centre_y - box.center().y() / units_per_em * k);
             fit.fitted = true;
         } else {
-            const QRawFont& f = files_[static_cast<std::size_t>(spec.file)];
-            for (char32_t ch : spec.chars)
-                w += advance_em(f, glyph_index(f, ch)) * spec.scale * spec.scale_x;
+            const QRawFont& f = files_[static_cast<std::size_t>(entry.file)];
+            for (char32_t ch : entry.chars)
+                w += advance_em(f, glyph_index(f, ch)) * entry.scale * entry.scale_x;
         }
-        if (spec.mark != Shape::none) w += 0.1f;
+        if (entry.mark != Shape::none) w += 0.1f;
         symbol_advance_[static_cast<std::size_t>(c)] = w;
     }
 }
@@ -574,28 +574,28 @@ void ProgramFonts::pieces(ProgramFont font, std::string_view codes, std::vector<
     };
     for (char b : codes) {
         const auto code = static_cast<unsigned char>(b);
-        const GlyphSpec& spec = table[code];
+        const GlyphEntry& entry = table[code];
         const float start = x, advance = symbol_advance_[code];
         const Fit& fit = symbol_fit_[code];
         if (fit.fitted) {
-            const QRawFont& f = files_[static_cast<std::size_t>(spec.file)];
+            const QRawFont& f = files_[static_cast<std::size_t>(entry.file)];
             Piece p;
-            p.file = spec.file;
-            p.glyph = glyph_index(f, spec.chars[0]);
+            p.file = entry.file;
+            p.glyph = glyph_index(f, entry.chars[0]);
             p.x = x + fit.dx;
             p.dy = fit.dy;
             p.scale = fit.scale;
-            p.unicode = spec.chars[0];
+            p.unicode = entry.chars[0];
             out.push_back(p);
-        } else if (spec.shape != Shape::none) {
-            add_shape(spec.shape, start + shape_advance / 2, shape_centre_y, 1);
+        } else if (entry.shape != Shape::none) {
+            add_shape(entry.shape, start + shape_advance / 2, shape_centre_y, 1);
         } else {
-            for (char32_t c : spec.chars) add_char(spec.file, c, spec.scale, spec.scale_x);
+            for (char32_t c : entry.chars) add_char(entry.file, c, entry.scale, entry.scale_x);
         }
         // A ring about the glyph, or a small mark at its top right (the variants).
-        if (spec.ring_around) add_shape(Shape::ring, start + advance / 2, shape_centre_y, 1.4f);
-        if (spec.mark != Shape::none)
-            add_shape(spec.mark, start + advance - 0.1f, -symbol_ascent * 0.8f, 0.36f);
+        if (entry.ring_around) add_shape(Shape::ring, start + advance / 2, shape_centre_y, 1.4f);
+        if (entry.mark != Shape::none)
+            add_shape(entry.mark, start + advance - 0.1f, -symbol_ascent * 0.8f, 0.36f);
         x = start + advance;
     }
 }
@@ -653,9 +653,9 @@ bool ProgramFonts::symbol_table_complete(std::vector<int>& missing) const {
     const auto& table = symbol_glyphs();
     for (int code = 32; code < 256; ++code) {
         if (code >= 127 && code < 161) continue; // codes that carry no symbol
-        const GlyphSpec& spec = table[static_cast<std::size_t>(code)];
-        bool ok = spec.shape != Shape::none || !spec.chars.empty();
-        for (char32_t c : spec.chars) ok = ok && file_has(spec.file, c);
+        const GlyphEntry& entry = table[static_cast<std::size_t>(code)];
+        bool ok = entry.shape != Shape::none || !entry.chars.empty();
+        for (char32_t c : entry.chars) ok = ok && file_has(entry.file, c);
         if (!ok) missing.push_back(code);
     }
     return missing.empty();

@@ -48,7 +48,7 @@ enum class Shape : int {
 
 // What one character code of the symbol font draws: up to three characters of a font file,
 // squeezed across by `scale_x` and scaled by `scale`, a shape, and a mark beside or around them.
-struct GlyphSpec {
+struct GlyphEntry {
     FontFile file = FontFile::sans;
     std::u32string chars;
     Shape shape = Shape::none;
@@ -58,7 +58,7 @@ struct GlyphSpec {
 };
 
 // The glyph table of the symbol font: one entry for every character code.
-const std::array<GlyphSpec, 256>& symbol_glyphs();
+const std::array<GlyphEntry, 256>& symbol_glyphs();
 // The Greek letter that a letter of "GreekMathSymbols" stands for (a alpha, b beta, ...), or 0.
 char32_t greek_letter_for(unsigned char code);
 
