@@ -157,12 +157,17 @@ SaveResult offer_save_event(EventInput& input, EventTable& table, MessageSink& s
 SaveResult screen_to_slot(EventInput& input, EventSlots& slots, int row, EventTable& table,
                           MessageSink& sink, int option_save_chart, const EventEditHooks& hooks) {
     const SaveResult result = offer_save_event(input, table, sink, option_save_chart, false, hooks);
+    place_in_slot(input, slots, row, hooks);
+    return result;
+}
+
+void place_in_slot(const EventInput& input, EventSlots& slots, int row,
+                   const EventEditHooks& hooks) {
     copy_screen_to_slot(input, slots, row);
     if (row == slots.active_event) hooks.refresh_active_options();
     if (row >= slot::first_user && row <= slot::last_user && slots[row][col::epoch_exists] == "Y")
         derive_epoch_event(slots, row, row + slot::epoch_offset);
     hooks.refresh_chart_window();
-    return result;
 }
 
 } // namespace celestark

@@ -73,6 +73,11 @@ SaveResult offer_save_event(EventInput& input, EventTable& table, MessageSink& s
 SaveResult screen_to_slot(EventInput& input, EventSlots& slots, int row, EventTable& table,
                           MessageSink& sink, int option_save_chart, const EventEditHooks& hooks);
 
+// The copy itself, without the offer: the screen into the slot, the options refreshed when the
+// slot is the active one, the epoch row rebuilt when the event has a stored epoch.
+void place_in_slot(const EventInput& input, EventSlots& slots, int row,
+                   const EventEditHooks& hooks);
+
 // The lines of the duplicate-key message.
 std::string duplicate_event_text(const EventInput& input);
 
