@@ -5,6 +5,7 @@ namespace celestark {
 std::vector<std::string> about_text() {
     return {
         "Celestark",
+        "Version 2.007",
         "A workbench for astrology and positional astronomy.",
         "",
         "Planets: VSOP87 version D, P. Bretagnon and G. Francou, IMCCE (CDS catalogue VI/81).",
@@ -25,6 +26,10 @@ std::vector<std::string> about_text() {
         "through Skyfield, MIT licence, Copyright (c) 2013-2018 Brandon Rhodes.",
         "Constellation genitives: YaleBrightStarCatalog, MIT licence, Copyright (c) 2016 Bretton "
         "Wade.",
+        "",
+        "Fonts: Noto Sans Symbols and Noto Sans Symbols2, Copyright 2010, 2012-2020 Google Inc., "
+        "2015-2020 Google LLC; Liberation Sans, Copyright (c) 2012 Red Hat, Inc., digitized data "
+        "Copyright (c) 2010 Google Corporation; all under the SIL Open Font License 1.1.",
     };
 }
 

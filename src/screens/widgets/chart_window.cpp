@@ -32,7 +32,11 @@ constexpr const char* card_style =
     "QGroupBox { background: #000040; color: white; border: 1px solid #5060a0;"
     " border-radius: 4px; margin-top: 1.2em; padding: 6px; }"
     "QGroupBox::title { subcontrol-origin: margin; left: 8px; padding: 0 3px; color: black; }"
-    "QLabel, QRadioButton { color: white; }";
+    "QLabel, QRadioButton { color: white; }"
+    "QRadioButton::indicator { width: 11px; height: 11px; border-radius: 6px;"
+    " border: 1px solid #c0c8ff; background: #000040; }"
+    "QRadioButton::indicator:checked { background: qradialgradient(cx:0.5, cy:0.5, radius:0.5,"
+    " fx:0.5, fy:0.5, stop:0 #00ff00, stop:0.55 #00ff00, stop:0.65 #000040); }";
 constexpr const char* active_card_style = "QLabel { color: #00FF00; }";
 
 struct MenuEntry {

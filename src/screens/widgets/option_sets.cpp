@@ -585,8 +585,9 @@ void AspectSetsWindow::open() {
     } else {
         aspect_edit(session(), w_, target);
     }
+    const std::string first = pick_first_aspect();
     show_row();
-    show_list("");
+    show_list(first);
     show();
     raise();
     activateWindow();
@@ -645,8 +646,17 @@ void AspectSetsWindow::choose_set(const std::string& name) {
     }
     aspect_edit(session(), w_, name);
     fill_choices(name);
+    const std::string first = pick_first_aspect();
     show_row();
-    show_list("");
+    show_list(first);
+}
+
+std::string AspectSetsWindow::pick_first_aspect() {
+    // A set opens on its first aspect, so that its fields are never blank by surprise.
+    if (w_.list_of_aspects.empty()) return "";
+    const std::string first = w_.list_of_aspects.front();
+    aspect_pick(session(), w_, first);
+    return first;
 }
 
 void AspectSetsWindow::pick_line(int row) {

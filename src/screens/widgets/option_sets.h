@@ -92,6 +92,7 @@ class AspectSetsWindow : public CelestarkWindow {
   private:
     void fill_choices(const std::string& selected);
     void show_list(const std::string& selected_line);
+    std::string pick_first_aspect();
     void show_row();
     void collect();
     void edited();
