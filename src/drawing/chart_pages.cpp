@@ -645,6 +645,10 @@ bool print_chart_series(Drawing& g, const std::vector<SeriesPage>& pages) {
     g.read_page_options();
     g.load_active_colour_set();
     const std::string world_view = s.chart.world_view, screen_page = d.screen_page;
+    MessageSink& sink = session_sink(s);
+    sink.progress_begin("Printing the charts of the event", static_cast<int>(pages.size()));
+    s.run_cancelled = 0;
+    int done = 0;
     for (const SeriesPage& page : pages) {
         s.chart.world_view = page.world_view;
         d.screen_page = page.screen_page;
@@ -659,7 +663,10 @@ bool print_chart_series(Drawing& g, const std::vector<SeriesPage>& pages) {
         }
         d.rotate_text = 0;
         printer->end_page();
+        if (sink.progress(++done)) s.run_cancelled = 1;
+        if (s.run_cancelled) break;
     }
+    sink.progress_end();
     printer->end_document();
     s.chart.world_view = world_view;
     d.screen_page = screen_page;

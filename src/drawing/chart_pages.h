@@ -23,18 +23,11 @@ bool page_known(std::string_view word);
 struct SeriesPage {
     std::string screen_page, world_view;
 };
-// What the CHART_PRINT window selects: for the groups Geocentric, Lemnicentric, Heliocentric,
-// Geo/Helio and Tychonic the standard, star and harmonics pages, and the heliocentric triple
-// and all world views pages. (The comparison pages join with the double charts.)
-struct ChartPrintSelection {
-    static constexpr int groups = 5; // Geocentric, Lemnicentric, Heliocentric, Geo/Helio, Tychonic
-    std::array<bool, groups> standard{}, star{}, harmonics{};
-    bool helio_triple = false, all_planets = false;
-};
 // The selected pages in the order of the list, Geocentric first.
 std::vector<SeriesPage> chart_series_pages(const ChartPrintSelection& selection);
 // Prints the pages of the working slot as one document: the printer's dialog once, then each
-// page in its world view with its own frame. False when the dialog was cancelled.
+// page in its world view with its own frame, a progress window advancing page by page; its CANCEL
+// ends the document after the current page. False when the dialog was cancelled.
 bool print_chart_series(Drawing& g, const std::vector<SeriesPage>& pages);
 
 // The single pages, for callers that draw into a frame of their own (the print series, tests).

@@ -16,6 +16,7 @@
 #include "store/option_sets.h"
 #include "store/option_store.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace celestark {
@@ -368,6 +369,80 @@ WalkResult walk_table(Session& s, bool forward, const AspectPattern& pattern, Me
         }
         (void)sink;
     }
+}
+
+const std::vector<ChartPrintBox>& chart_print_boxes() {
+    static const std::vector<ChartPrintBox> boxes = [] {
+        struct Group {
+            const char* prefix;
+            const char* caption;
+            int index;
+        };
+        // The order on the window is that of the printed document.
+        static constexpr Group groups[] = {{"geo", "Geocentric", 0},
+                                           {"lem", "Lemnicentric", 1},
+                                           {"helio", "Heliocentric", 2},
+                                           {"geo_helio", "Geo/Helio", 3},
+                                           {"hermetic", "Tychonic", 4}};
+        struct Page {
+            const char* suffix;
+            PrintedPage page;
+            const char* caption;
+        };
+        static constexpr Page pages[] = {{"_standard", PrintedPage::standard, "Standard"},
+                                         {"_star", PrintedPage::star, "Star"},
+                                         {"_compare", PrintedPage::compare, "Compare Chart"},
+                                         {"_harmonics", PrintedPage::harmonics, "Harmonics Chart"}};
+        std::vector<ChartPrintBox> list;
+        for (const Group& g : groups)
+            for (const Page& p : pages)
+                list.push_back(
+                    {std::string(g.prefix) + p.suffix, g.caption, g.index, p.page, p.caption});
+        list.push_back({"helio_triple", "Heliocentric", 2, PrintedPage::helio_triple,
+                        "Helio planets, apsides, nodes"});
+        list.push_back(
+            {"All_planets", "All world views", 0, PrintedPage::all_planets, "On one page"});
+        return list;
+    }();
+    return boxes;
+}
+
+ChartPrintSelection chart_print_selection(const std::vector<std::string>& ticked) {
+    ChartPrintSelection selection;
+    for (const ChartPrintBox& box : chart_print_boxes()) {
+        if (std::find(ticked.begin(), ticked.end(), box.name) == ticked.end()) continue;
+        const auto k = static_cast<std::size_t>(box.group_index);
+        switch (box.page) {
+        case PrintedPage::standard:
+            selection.standard[k] = true;
+            break;
+        case PrintedPage::star:
+            selection.star[k] = true;
+            break;
+        case PrintedPage::harmonics:
+            selection.harmonics[k] = true;
+            break;
+        case PrintedPage::helio_triple:
+            selection.helio_triple = true;
+            break;
+        case PrintedPage::all_planets:
+            selection.all_planets = true;
+            break;
+        case PrintedPage::compare:
+            break;
+        }
+    }
+    return selection;
+}
+
+bool chart_print_request(Session& s, bool epoch, MessageSink& sink) {
+    const ChartCommand series{"print_event_charts", "geo1", "Geocentric",
+                              epoch ? CommandEvents::epoch : CommandEvents::active,
+                              "Print charts of the event"};
+    if (!chart_request(s, series, sink)) return false;
+    // A printed series is no stepping chart.
+    s.drawing.allow_stepping = s.drawing.show_step_panel = false;
+    return true;
 }
 
 } // namespace celestark

@@ -2,6 +2,7 @@
 // What the main chart window `Chart` and the chart window `chart_display` do: the event cards,
 // the chart commands with the page, world view and events each sets, the option lists, stepping
 // the time of the shown event, and walking the event table. The windows only show and pass on.
+#include "session/drawing_state.h"
 #include "session/messages.h"
 
 #include <array>
@@ -102,5 +103,23 @@ struct AspectPattern {
 };
 enum class WalkResult { moved, end_of_table, no_table };
 WalkResult walk_table(Session& s, bool forward, const AspectPattern& pattern, MessageSink& sink);
+
+// The window that prints the charts of an event as one document: a box for each page of each
+// world view, and the birth chart or its epoch.
+enum class PrintedPage { standard, star, compare, harmonics, helio_triple, all_planets };
+struct ChartPrintBox {
+    std::string name;  // the box, e.g. "geo_standard"
+    const char* group; // the frame it stands in
+    int group_index;   // the group of ChartPrintSelection
+    PrintedPage page;
+    const char* caption;
+};
+const std::vector<ChartPrintBox>& chart_print_boxes();
+// The selection of the ticked boxes. The comparison boxes select nothing: their pages come
+// with the double charts.
+ChartPrintSelection chart_print_selection(const std::vector<std::string>& ticked);
+// Makes the active slot's event (or its epoch) the one printed, as a chart command does before
+// it draws. False, with the message, when there is none.
+bool chart_print_request(Session& s, bool epoch, MessageSink& sink);
 
 } // namespace celestark

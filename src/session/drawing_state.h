@@ -42,6 +42,16 @@ struct PageOptions {
     int star_zodiac_width = 8;
 };
 
+// What the window that prints the charts of an event selects: for the groups Geocentric,
+// Lemnicentric, Heliocentric, Geo/Helio and Tychonic the standard, star and harmonics pages, and
+// the heliocentric triple and all world views pages. (The comparison pages join with the double
+// charts.)
+struct ChartPrintSelection {
+    static constexpr int groups = 5; // Geocentric, Lemnicentric, Heliocentric, Geo/Helio, Tychonic
+    std::array<bool, groups> standard{}, star{}, harmonics{};
+    bool helio_triple = false, all_planets = false;
+};
+
 struct DrawingState {
     bool printing = false;
     std::string display_target = "Chart";

@@ -23,6 +23,13 @@ class MessageSink {
     virtual void input_error(const std::string& line) = 0;
     // The check has ended: the lines gathered since the last call are shown together.
     virtual void show_input_errors() {}
+    // A long run's progress window, with a CANCEL button: opened with a caption and the count of
+    // its steps, advanced after each step, closed at the end. An advance is the one place where
+    // the screen's pending events are let through while the run holds the thread; it answers
+    // true once CANCEL has been pressed.
+    virtual void progress_begin(const std::string& /*caption*/, int /*steps*/) {}
+    virtual bool progress(int /*done*/) { return false; }
+    virtual void progress_end() {}
 };
 
 // Records everything; questions are answered from `answers` in order, then `default_answer`.
@@ -37,6 +44,9 @@ class RecordingSink : public MessageSink {
     std::vector<std::string> input_errors;
     std::deque<bool> answers;
     bool default_answer = false;
+    // The progress seen, and the step after which CANCEL is pressed (0 never).
+    std::vector<int> progress_steps;
+    int cancel_after = 0;
 
     void message(const std::string& title, const std::string& text, MessageIcon icon) override {
         messages.push_back({title, text, icon});
@@ -49,6 +59,10 @@ class RecordingSink : public MessageSink {
         return a;
     }
     void input_error(const std::string& line) override { input_errors.push_back(line); }
+    bool progress(int done) override {
+        progress_steps.push_back(done);
+        return cancel_after > 0 && done >= cancel_after;
+    }
 };
 
 // The closing sentence of every fatal text.

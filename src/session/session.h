@@ -64,6 +64,8 @@ struct Session {
     std::int16_t accuracy_level = 1; // 1 full, 2 medium, 3 low: how many series terms are taken
     EngineState engine;
     bool event_dirty = false;
+    // Set by the CANCEL of a long run's progress window; the run ends after its current step.
+    std::int16_t run_cancelled = 0;
     // Where boxes, questions and fatal errors go. Without a sink they are written to standard
     // error; without a handler a fatal error ends the process.
     MessageSink* sink = nullptr;

@@ -151,7 +151,7 @@ TEST_F(Pages, PagesGoToPngPdfAndSvg) {
 
 // A printed series: the pages of the selection in the order of the list, one document.
 TEST_F(Pages, ASeriesPrintsTheSelectionInOrder) {
-    drawing::ChartPrintSelection selection;
+    ChartPrintSelection selection;
     selection.standard = {true, false, true, false, true};
     selection.harmonics[0] = true;
     selection.all_planets = true;

@@ -6,8 +6,19 @@
 #include "session/constants.h"
 #include "store/option_store.h"
 
+#include "screens/widgets/qt_message_sink.h"
+
+#include <QCheckBox>
 #include <QImage>
 #include <QLabel>
+#include <QPrinter>
+#include <QProgressDialog>
+#include <QRadioButton>
+#include <QTimer>
+
+#include <fstream>
+#include <regex>
+#include <sstream>
 
 namespace celestark::testing {
 namespace {
@@ -102,6 +113,62 @@ TEST(ChartWindow, APageIsSavedAsPngPdfAndSvg) {
     }
     QImage png(QString::fromStdString(ds.folder.file("page.png").string()));
     EXPECT_FALSE(png.isNull());
+}
+
+// The pages a PDF file holds, counted from its page objects.
+int pdf_pages(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::stringstream bytes;
+    bytes << in.rdbuf();
+    const std::string text = bytes.str();
+    const std::regex page(R"(/Type\s*/Page[^s])");
+    return static_cast<int>(std::distance(std::sregex_iterator(text.begin(), text.end(), page),
+                                          std::sregex_iterator()));
+}
+
+TEST(ChartPrint, PrintsTheTickedChartsAsOneDocumentAndStopsOnCancel) {
+    DesktopSession ds;
+    put_einstein(ds.s, 1);
+    ds.desktop->print_dialog = false;
+    ds.desktop->printer().setOutputFormat(QPrinter::PdfFormat);
+    const auto file = ds.folder.file("series.pdf");
+    ds.desktop->printer().setOutputFileName(QString::fromStdString(file.string()));
+    ds.press("print_event_charts");
+    auto* print = ds.find<QAbstractButton>("print_charts");
+    ASSERT_NE(print, nullptr);
+    EXPECT_FALSE(print->isEnabled()); // nothing ticked yet
+    EXPECT_FALSE(ds.find<QCheckBox>("geo_compare")->isEnabled());
+    for (const char* box : {"geo_standard", "helio_star", "hermetic_harmonics", "All_planets"})
+        ds.find<QCheckBox>(box)->setChecked(true);
+    ds.press("print_charts");
+    EXPECT_EQ(pdf_pages(file), 4);
+    EXPECT_EQ(ds.folder.sink.progress_steps, (std::vector<int>{1, 2, 3, 4}));
+
+    // CANCEL after the second page: the document ends there.
+    ds.folder.sink.progress_steps.clear();
+    ds.folder.sink.cancel_after = 2;
+    ds.press("print_charts");
+    EXPECT_EQ(pdf_pages(file), 2);
+    EXPECT_EQ(ds.s.run_cancelled, 1);
+
+    // The epoch of an event that has none is refused with a message.
+    ds.find<QRadioButton>("print_epoch")->setChecked(true);
+    ds.press("print_charts");
+    EXPECT_EQ(ds.folder.sink.messages.back().title, "NO EPOCH");
+}
+
+// The progress window lets the screen's events through at each step, so its CANCEL is heard.
+TEST(ChartPrint, TheProgressWindowsCancelIsHeardAtTheNextStep) {
+    screens::QtMessageSink sink;
+    sink.progress_begin("Printing", 10);
+    QProgressDialog* dialog = nullptr;
+    for (QWidget* top : QApplication::topLevelWidgets())
+        if (top->objectName() == "run_status") dialog = qobject_cast<QProgressDialog*>(top);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_FALSE(sink.progress(1));
+    QTimer::singleShot(0, dialog, [dialog] { dialog->cancel(); });
+    EXPECT_TRUE(sink.progress(2));
+    sink.progress_end();
 }
 
 } // namespace

@@ -18,7 +18,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -265,14 +264,7 @@ void ChartDisplay::walk(bool forward) {
 }
 
 void ChartDisplay::print() {
-    Session& s = session();
-    QPrinter printer(QPrinter::HighResolution);
-    drawing::PrinterCanvas paper(printer);
-    desktop().canvases().printer = &paper;
-    s.drawing.printing = true;
-    drawing::screen_display(desktop().drawing());
-    s.drawing.printing = false;
-    desktop().canvases().printer = nullptr;
+    desktop().print([this] { return drawing::screen_display(desktop().drawing()); });
     redraw();
 }
 

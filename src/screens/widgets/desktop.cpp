@@ -1,12 +1,14 @@
 #include "screens/widgets/desktop.h"
 
 #include "drawing/chart_pages.h"
+#include "drawing/painter_surface.h"
 #include "screens/chart_commands.h"
 #include "screens/widgets/chart_display.h"
 #include "screens/widgets/chart_window.h"
 #include "session/session.h"
 
 #include <QApplication>
+#include <QPrinter>
 
 namespace celestark::screens {
 
@@ -18,6 +20,7 @@ Desktop::Desktop(Session& session) : session_(session), drawing_(session, canvas
     add_option_set_windows(*this);
     add_star_windows(*this);
     add_help_windows(*this);
+    add_print_windows(*this);
     chart_window_->enable_known_commands();
 }
 
@@ -66,6 +69,22 @@ void Desktop::refresh_chart_window() {
 
 void Desktop::show_page() {
     chart_display().show_page();
+}
+
+QPrinter& Desktop::printer() {
+    if (!printer_) printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    return *printer_;
+}
+
+bool Desktop::print(const std::function<bool()>& draw) {
+    drawing::PrinterCanvas paper(printer());
+    paper.dialog = print_dialog;
+    canvases_.printer = &paper;
+    session_.drawing.printing = true;
+    const bool printed = draw();
+    session_.drawing.printing = false;
+    canvases_.printer = nullptr;
+    return printed;
 }
 
 void Desktop::quit() {

@@ -6,6 +6,8 @@
 
 #include <QObject>
 
+class QPrinter;
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -51,6 +53,13 @@ class Desktop : public QObject {
     // Draws the page of the drawing values on the chart window and shows it.
     void show_page();
 
+    // The printer of the session: its dialog keeps the choices from one print to the next.
+    QPrinter& printer();
+    // Whether a print opens the system's print dialog first; tests set the printer up themselves.
+    bool print_dialog = true;
+    // Runs `draw` with the printer as the session's paper and printing on; its answer.
+    bool print(const std::function<bool()>& draw);
+
     // Set while the program ends, when the windows may close.
     bool quitting() const { return quitting_; }
     void quit();
@@ -64,6 +73,7 @@ class Desktop : public QObject {
     drawing::Drawing drawing_;
     std::unique_ptr<ChartWindow> chart_window_;
     std::unique_ptr<ChartDisplay> chart_display_;
+    std::unique_ptr<QPrinter> printer_;
     std::map<std::string, std::function<void()>> commands_;
     std::function<void(const EventInput&)> event_editor_;
     bool quitting_ = false;
@@ -76,5 +86,6 @@ void add_event_database_windows(Desktop& desktop); // the database and search wi
 void add_option_set_windows(Desktop& desktop);     // zodiacs, aspect sets, colour sets
 void add_star_windows(Desktop& desktop);           // star database, options, groups, fixed points
 void add_help_windows(Desktop& desktop);           // the user guide and the About box
+void add_print_windows(Desktop& desktop);          // the charts of an event, the page setup
 
 } // namespace celestark::screens

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -69,6 +70,34 @@ void QtMessageSink::show_input_errors() {
     InputErrorsWindow window(pending_, QApplication::activeWindow());
     pending_.clear();
     window.exec();
+}
+
+QtMessageSink::QtMessageSink() = default;
+QtMessageSink::~QtMessageSink() = default;
+
+void QtMessageSink::progress_begin(const std::string& caption, int steps) {
+    progress_ = std::make_unique<QProgressDialog>(qt(caption), "CANCEL", 0, steps,
+                                                  QApplication::activeWindow());
+    progress_->setObjectName("run_status");
+    progress_->setWindowTitle(qt(product_word));
+    progress_->setWindowModality(Qt::ApplicationModal);
+    progress_->setMinimumDuration(0);
+    progress_->setAutoClose(false);
+    progress_->setAutoReset(false);
+    progress_->setValue(0);
+    QApplication::processEvents();
+}
+
+bool QtMessageSink::progress(int done) {
+    if (!progress_) return false;
+    progress_->setValue(done);
+    // The one place where a run lets the screen's events through: CANCEL is heard here.
+    QApplication::processEvents();
+    return progress_->wasCanceled();
+}
+
+void QtMessageSink::progress_end() {
+    progress_.reset();
 }
 
 } // namespace celestark::screens

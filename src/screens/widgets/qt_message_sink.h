@@ -4,10 +4,12 @@
 
 #include <QDialog>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 class QListWidget;
+class QProgressDialog;
 class QWidget;
 
 namespace celestark::screens {
@@ -27,9 +29,17 @@ class QtMessageSink : public MessageSink {
     bool ask(const std::string& title, const std::string& text) override;
     void input_error(const std::string& line) override;
     void show_input_errors() override;
+    // The window `run_status`: the caption, a bar and CANCEL; while it shows, the other windows
+    // take no input.
+    void progress_begin(const std::string& caption, int steps) override;
+    bool progress(int done) override;
+    void progress_end() override;
+    QtMessageSink();
+    ~QtMessageSink() override;
 
   private:
     std::vector<std::string> pending_;
+    std::unique_ptr<QProgressDialog> progress_;
 };
 
 } // namespace celestark::screens
