@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QImage>
 #include <QLabel>
+#include <QListWidget>
 #include <QPrinter>
 #include <QProgressDialog>
 #include <QRadioButton>
@@ -45,13 +46,38 @@ void put_einstein(Session& s, int slot) {
     for (const auto& [column, text] : cells) row[static_cast<std::size_t>(column)] = text;
 }
 
-TEST(ChartWindow, ShowsTheCardsAndDrawsAStepsAChart) {
+// A user's first task from end to end: an event typed, stored, found again, put in a card, its
+// chart drawn and stepped by a day.
+TEST(ChartWindow, AnEventTypedStoredAndFoundIsDrawnAndStepped) {
     DesktopSession ds;
     auto* chart = ds.find<QMainWindow>("Chart");
     ASSERT_NE(chart, nullptr);
     EXPECT_EQ(chart->windowTitle(), "CELESTARK - Version 2.007");
-    put_einstein(ds.s, 1);
-    ds.desktop->refresh_chart_window();
+
+    ds.press("chart_edit_active_event");
+    const std::pair<const char*, const char*> typed[] = {
+        {"inp_surname", "Einstein"}, {"inp_firstname", "Albert"},
+        {"inp_place", "Ulm"},        {"inp_lat_deg", "48"},
+        {"inp_lat_min", "24"},       {"inp_lat_ns", "n"},
+        {"inp_long_deg", "10"},      {"inp_long_min", "0"},
+        {"inp_long_ew", "e"},        {"INP_DAY", "14"},
+        {"INP_MONTH", "3"},          {"INP_YEAR", "1879"},
+        {"inp_hours", "11"},         {"inp_mins", "30"},
+        {"inp_am_pm", "am"},         {"inp_lz", "l"}};
+    for (const auto& [name, text] : typed) ds.type(name, text);
+    ds.choose("inp_event", "Birth");
+    ds.press("add_event");
+    EXPECT_TRUE(ds.folder.sink.input_errors.empty());
+    ds.press("inp_exit");
+
+    ds.press("chart_search_db");
+    auto* list = ds.find<QListWidget>("search_list");
+    ASSERT_NE(list, nullptr);
+    const auto found = list->findItems("Einstein, Albert", Qt::MatchStartsWith);
+    ASSERT_EQ(found.size(), 1);
+    list->setCurrentItem(found.front());
+    ds.press("event_1");
+    ds.press("search_cancel");
     EXPECT_EQ(ds.find<QLabel>("EVENT1_NAME")->text(), "Albert Einstein");
     EXPECT_EQ(ds.find<QLabel>("EVENT1_PLACE")->text(), "Ulm");
 
