@@ -84,15 +84,7 @@ StarAnalysis star_analysis(Session& s, const std::string& group, const std::stri
         star_place_of_date(c.ra, c.dec, c.pm_ra, c.pm_dec, moment, star.longitude, star.latitude);
         if (star.longitude < 0) star.longitude += two_pi;
         StarHit& d = star.data;
-        d.greek_letter = c.greek_letter;
-        d.star_number = c.star_number;
-        d.star_name = c.star_name;
-        d.constellation = c.constellation;
-        d.magnitude = c.magnitude;
-        d.absolute_magnitude = c.absolute_magnitude;
-        d.spectral_type = c.spectral_type;
-        d.luminosity_class = c.luminosity_class;
-        d.distance = c.distance;
+        static_cast<StarDescription&>(d) = c;
         d.orb_limit = star.orb;
         stars.push_back(std::move(star));
     }

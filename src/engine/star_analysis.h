@@ -42,14 +42,10 @@ struct StarAnalysisPoint {
 // four angles.
 std::vector<StarAnalysisPoint> star_analysis_points(const Session& s, StarAnalysisKind kind);
 
-struct StarHit {
+struct StarHit : StarDescription {
     unsigned char point = 0; // the chart point's glyph
-    std::string greek_letter, star_number, star_name, constellation;
-    float magnitude = 0, absolute_magnitude = 0;
-    std::string spectral_type, luminosity_class;
-    double distance = 0; // light years
-    double orb = 0;      // degrees: the star's longitude less the point's
-    float orb_limit = 0; // degrees: the orb the set gives the star
+    double orb = 0;          // degrees: the star's longitude less the point's
+    float orb_limit = 0;     // degrees: the orb the set gives the star
     // The star as the page names it: its Greek letter, else its number, else its name.
     std::string label() const;
     bool label_is_greek() const { return !greek_letter.empty(); }

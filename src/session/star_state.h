@@ -92,12 +92,16 @@ inline constexpr std::array<const char*, 12> user_group_fields = {
 
 // A star of the catalogue as the star analysis reads it: J2000 place and proper motion in radians
 // (radians a year), magnitudes, and what names it.
-struct CatalogueStar {
-    double ra = 0, dec = 0, pm_ra = 0, pm_dec = 0;
-    float magnitude = 0, absolute_magnitude = 0;
+// What the pages say of a star: its names, its brightness, its kind and its distance.
+struct StarDescription {
     std::string greek_letter, star_number, star_name, constellation;
+    float magnitude = 0, absolute_magnitude = 0;
     std::string spectral_type, luminosity_class;
     double distance = 0; // light years
+};
+
+struct CatalogueStar : StarDescription {
+    double ra = 0, dec = 0, pm_ra = 0, pm_dec = 0;
 };
 
 struct StarState;

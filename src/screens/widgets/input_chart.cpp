@@ -24,6 +24,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <tuple>
 
 namespace celestark::screens {
 
@@ -254,20 +255,26 @@ QWidget* InputChart::build_place_group() {
     return box;
 }
 
+// A day, a month and a year in a row of their own, whose order the date format sets.
+QWidget* InputChart::date_fields(QWidget* box, const char* day, const char* month, const char* year,
+                                 QGridLayout*& row) {
+    auto* date = new QWidget(box);
+    row = new QGridLayout(date);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setHorizontalSpacing(gap);
+    field(date, day, under(5));
+    field(date, month, under(6));
+    field(date, year, under(7));
+    return date;
+}
+
 QWidget* InputChart::build_date_group() {
     auto* box = make_group(this, "date_group", "Date and time");
     auto* grid = form_grid(box);
     grid->addWidget(caption(box, "label_date"), 0, 1);
     grid->addWidget(new QLabel("Date", box), 1, 0);
     // The day and month change places by the date format: see apply_options.
-    auto* date = new QWidget(box);
-    date_grid_ = new QGridLayout(date);
-    date_grid_->setContentsMargins(0, 0, 0, 0);
-    date_grid_->setHorizontalSpacing(gap);
-    field(date, "INP_DAY", under(5));
-    field(date, "INP_MONTH", under(6));
-    field(date, "INP_YEAR", under(7));
-    grid->addWidget(date, 1, 1);
+    grid->addWidget(date_fields(box, "INP_DAY", "INP_MONTH", "INP_YEAR", date_grid_), 1, 1);
     grid->addWidget(new QLabel("Calendar", box), 2, 0);
     auto* gj = field(box, "INP_GJ", under(5));
     gj->setToolTip("G Gregorian, J Julian");
@@ -383,14 +390,8 @@ QWidget* InputChart::build_epoch_group() {
                     3, 1);
     grid->addWidget(caption(box, "label_epoch_date"), 4, 1);
     grid->addWidget(new QLabel("Date (GMT)", box), 5, 0);
-    auto* date = new QWidget(box);
-    epoch_grid_ = new QGridLayout(date);
-    epoch_grid_->setContentsMargins(0, 0, 0, 0);
-    epoch_grid_->setHorizontalSpacing(gap);
-    field(date, "inp_epoch_day", under(5));
-    field(date, "inp_epoch_month", under(6));
-    field(date, "inp_epoch_year", under(7));
-    grid->addWidget(date, 5, 1);
+    grid->addWidget(
+        date_fields(box, "inp_epoch_day", "inp_epoch_month", "inp_epoch_year", epoch_grid_), 5, 1);
     grid->addWidget(new QLabel("Time (GMT)", box), 6, 0);
     grid->addLayout(
         row_of({field(box, "inp_epoch_hours", under(5)), field(box, "inp_epoch_mins", under(5)),
@@ -456,14 +457,14 @@ void InputChart::apply_options() {
 
     // The order of the day and month, in the grid and in the order of entry.
     const int day_at = options_.day_first ? 0 : 1;
-    date_grid_->addWidget(fields_["INP_DAY"], 0, day_at);
-    date_grid_->addWidget(fields_["INP_MONTH"], 0, 1 - day_at);
-    date_grid_->addWidget(fields_["INP_YEAR"], 0, 2);
-    date_grid_->setColumnStretch(3, 1);
-    epoch_grid_->addWidget(fields_["inp_epoch_day"], 0, day_at);
-    epoch_grid_->addWidget(fields_["inp_epoch_month"], 0, 1 - day_at);
-    epoch_grid_->addWidget(fields_["inp_epoch_year"], 0, 2);
-    epoch_grid_->setColumnStretch(3, 1);
+    for (auto [grid, day, month, year] :
+         {std::tuple{date_grid_, "INP_DAY", "INP_MONTH", "INP_YEAR"},
+          std::tuple{epoch_grid_, "inp_epoch_day", "inp_epoch_month", "inp_epoch_year"}}) {
+        grid->addWidget(fields_[day], 0, day_at);
+        grid->addWidget(fields_[month], 0, 1 - day_at);
+        grid->addWidget(fields_[year], 0, 2);
+        grid->setColumnStretch(3, 1);
+    }
     const char* first = options_.day_first ? "INP_DAY" : "INP_MONTH";
     const char* second = options_.day_first ? "INP_MONTH" : "INP_DAY";
     const char* order[] = {"inp_event",     "inp_version",  "inp_title",     "inp_surname",

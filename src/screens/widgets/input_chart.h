@@ -86,6 +86,8 @@ class InputChart : public CelestarkWindow {
     std::map<std::string, QWidget*> mode_controls_;
     std::vector<QWidget*> mode_rows_;
     std::map<std::string, QLabel*> captions_;
+    QWidget* date_fields(QWidget* box, const char* day, const char* month, const char* year,
+                         QGridLayout*& row);
     QGridLayout* date_grid_ = nullptr;
     QGridLayout* epoch_grid_ = nullptr;
     QGroupBox* epoch_ = nullptr;
