@@ -71,8 +71,9 @@ TEST(StoredEvents, ARecordWithNullNamesLoadsAsFaultyAndStillCalculates) {
 }
 
 // The kill test: a child process saves events and options in a loop until it is killed at a
-// random moment; the files must then open whole, every stored row complete.
-void writer_loop(const std::string& folder) {
+// random moment after its first save (which it signals on `ready`); the files must then open
+// whole, every stored row complete.
+void writer_loop(const std::string& folder, int ready) {
     Session s;
     RecordingSink sink;
     start_session(s, folder, sink, [](const std::string&, const std::string&) { _exit(3); });
@@ -91,6 +92,7 @@ void writer_loop(const std::string& folder) {
         if (set_options(s, "option_name", {{"add1", Value(n)}, {"tel", Value("tel " + n)}}, sink) !=
             Outcome::ok)
             _exit(6);
+        if (i == 0 && write(ready, "s", 1) != 1) _exit(7);
     }
 }
 
@@ -101,12 +103,19 @@ TEST(Durability, AKilledWriterLeavesTheFilesWholeAndThePreviousRowsIntact) {
         ASSERT_TRUE(folder.start(s).started); // makes the event database
     }
     std::mt19937 random(12345);
-    std::uniform_int_distribution<int> delay_ms(150, 600);
+    std::uniform_int_distribution<int> delay_ms(0, 300);
     long long stored = 0;
     for (int round = 0; round < 4; ++round) {
+        int ready[2];
+        ASSERT_EQ(pipe(ready), 0);
         const pid_t child = fork();
         ASSERT_GE(child, 0);
-        if (child == 0) writer_loop(folder.path());
+        if (child == 0) writer_loop(folder.path(), ready[1]);
+        // However slowly the writer starts, it is killed while it writes.
+        close(ready[1]);
+        char signal = 0;
+        ASSERT_EQ(read(ready[0], &signal, 1), 1) << "the writer ended before its first save";
+        close(ready[0]);
         std::this_thread::sleep_for(std::chrono::milliseconds(delay_ms(random)));
         ASSERT_EQ(kill(child, SIGKILL), 0);
         int status = 0;
@@ -148,7 +157,7 @@ TEST(Durability, AKilledWriterLeavesTheFilesWholeAndThePreviousRowsIntact) {
         // The next writer numbers its rows from 0 again.
         while (rs.move_first() == Outcome::ok) rs.delete_row();
     }
-    EXPECT_GT(stored, 0) << "the writers were killed before they stored anything";
+    EXPECT_GE(stored, 4);
     EXPECT_TRUE(folder.fatal_titles.empty());
 }
 
