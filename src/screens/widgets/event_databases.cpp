@@ -348,7 +348,8 @@ EventSearchWindow::EventSearchWindow(Desktop& desktop)
     auto* search_edit = make_button(this, "search_edit", "EDIT EVENT");
     auto* search_delete = make_button(this, "search_delete", "DELETE EVENT");
     auto* aspect_pattern = make_button(this, "aspect_pattern", "DISPLAY SEARCH");
-    aspect_pattern->setEnabled(false);
+    aspect_pattern->setToolTip("Show the chart of the selected event; the chart window then walks "
+                               "the table from it, optionally to the events with an aspect");
     auto* search_cancel = make_button(this, "search_cancel", "EXIT");
     side->addWidget(search_edit);
     side->addWidget(search_delete);
@@ -363,6 +364,7 @@ EventSearchWindow::EventSearchWindow(Desktop& desktop)
     connect(search_list_, &QListWidget::itemDoubleClicked, this, [this] { edit(); });
     connect(search_edit, &QPushButton::clicked, this, [this] { edit(); });
     connect(search_delete, &QPushButton::clicked, this, [this] { remove(); });
+    connect(aspect_pattern, &QPushButton::clicked, this, [this] { display(); });
     connect(search_cancel, &QPushButton::clicked, this, [this] { hide(); });
     resize(860, 520);
 }
@@ -411,17 +413,24 @@ std::optional<std::size_t> EventSearchWindow::chosen_line() {
     return static_cast<std::size_t>(row);
 }
 
-void EventSearchWindow::copy_to(int slot) {
+bool EventSearchWindow::copy_to(int slot) {
     const auto line = chosen_line();
-    if (!line) return;
+    if (!line) return false;
     if (!search_line_to_slot(session(), list_, *line, slot)) {
         sink().message("EVENT NOT FOUND",
                        "The event of this line is no longer in the table: the list is made again",
                        MessageIcon::information);
         fill(index_name_->currentText().toStdString());
-        return;
+        return false;
     }
     desktop().refresh_chart_window();
+    return true;
+}
+
+void EventSearchWindow::display() {
+    if (!copy_to(session().event_slots.active_event)) return;
+    hide();
+    desktop().run("chart_geocentric");
 }
 
 void EventSearchWindow::edit() {

@@ -79,7 +79,8 @@ class EventSearchWindow : public CelestarkWindow {
     // The chosen line, after making sure that the list still stands for the open table; none
     // (with a message) when no line is chosen or the list had to be made again.
     std::optional<std::size_t> chosen_line();
-    void copy_to(int slot);
+    bool copy_to(int slot);
+    void display();
     void edit();
     void remove();
 
