@@ -594,11 +594,19 @@ void InputChart::open_active_event() {
     if (!isVisible() || !input_.event_dirty) {
         apply_options();
         open_on_active_slot(session(), input_, options_);
-        failed_.clear();
-        edited_.clear();
-        set_status({});
-        show_input();
+        show_fresh();
     }
+    present();
+}
+
+void InputChart::show_fresh() {
+    failed_.clear();
+    edited_.clear();
+    set_status({});
+    show_input();
+}
+
+void InputChart::present() {
     search_->setEnabled(desktop().knows("chart_search_db"));
     show();
     raise();
@@ -616,14 +624,8 @@ void InputChart::open_event(const EventInput& input) {
     fit_clock(input_, options_.twelve_hour);
     input_.event_dirty = false;
     session().event_dirty = false;
-    failed_.clear();
-    edited_.clear();
-    set_status({});
-    show_input();
-    search_->setEnabled(desktop().knows("chart_search_db"));
-    show();
-    raise();
-    activateWindow();
+    show_fresh();
+    present();
 }
 
 void InputChart::save_command() {

@@ -88,6 +88,9 @@ class InputChart : public CelestarkWindow {
     std::map<std::string, QLabel*> captions_;
     QWidget* date_fields(QWidget* box, const char* day, const char* month, const char* year,
                          QGridLayout*& row);
+    // A newly opened event: no faults or edits marked; then the window shown and raised.
+    void show_fresh();
+    void present();
     QGridLayout* date_grid_ = nullptr;
     QGridLayout* epoch_grid_ = nullptr;
     QGroupBox* epoch_ = nullptr;
