@@ -4,6 +4,7 @@
 // sessions can live in one process (a test per case, a search on a worker thread with its own).
 #include "session/aspect_matrix.h"
 #include "session/drawing_state.h"
+#include "session/epoch_state.h"
 #include "session/event.h"
 #include "session/messages.h"
 #include "session/option_state.h"
@@ -82,6 +83,8 @@ struct Session {
     StarState stars;
     // Where pages go, their frame, the wheel's plot list and ring, the table sizes.
     DrawingState drawing;
+    // The prenatal epoch of the birth in work row 5.
+    EpochState epoch;
 };
 
 // Shows a fatal box through the session's sink and ends the process (or calls the handler).
