@@ -1,5 +1,6 @@
 // celestark-cli: the command-line face of the engine. CSV with a header line on stdout; errors on
 // stderr with a non-zero exit.
+#include "epoch.h"
 #include "houses.h"
 #include "positions.h"
 #include "render.h"
@@ -133,6 +134,9 @@ void usage() {
                 " EVENT)\n"
                 "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
                 "         [--printing] [--width PIXELS] [--layout FILE.json]\n"
+                "  epoch (--db FILE --table NAME --row N | EVENT) [--months 6..12]"
+                " [--month sidereal|synodic]\n"
+                "        [--epoch-lat 40N43 --epoch-lon 74W00 [--epoch-place TEXT]]\n"
                 "  build-options FILE\n"
                 "  houses (--armc DEG --lat DEG --eps DEG --system NAME | --list FILE)"
                 " [--polar NAME]\n"
@@ -161,6 +165,7 @@ int main(int argc, char** argv) {
         return cli::command_bench(args.options);
     }
     if (command == "render") return cli::command_render(args.options);
+    if (command == "epoch") return cli::command_epoch(args.options);
     if (command == "init") return cli::command_init(args.positional);
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);

@@ -303,3 +303,48 @@ DayParts split_day_fraction(double value) {
 }
 
 } // namespace celestark
+
+namespace celestark {
+
+namespace {
+
+void append_utf8(std::string& out, char32_t c) {
+    if (c < 0x80) {
+        out += static_cast<char>(c);
+    } else if (c < 0x800) {
+        out += static_cast<char>(0xC0 | (c >> 6));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        out += static_cast<char>(0xE0 | (c >> 12));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+char32_t symbol_of(unsigned char code) {
+    // The Sun to Pluto, then the Earth.
+    static constexpr char32_t bodies[] = {0x2609, 0x263D, 0x263F, 0x2640, 0x2642, 0x2643,
+                                          0x2644, 0x2645, 0x2646, 0x2647, 0x2641};
+    if (code >= glyph::sun && code <= glyph::earth) return bodies[code - glyph::sun];
+    if (code >= sign_glyphs[0] && code < sign_glyphs[0] + 12)
+        return 0x2648 + (code - sign_glyphs[0]); // Aries to Pisces
+    if (code == glyph::degree) return 0xB0;
+    if (code == glyph::minute) return U'\'';
+    return U'?';
+}
+
+} // namespace
+
+std::string symbol_text_utf8(std::string_view text) {
+    std::string out;
+    for (const char ch : text) {
+        const auto code = static_cast<unsigned char>(ch);
+        if (code < 0x80)
+            out += ch;
+        else
+            append_utf8(out, symbol_of(code));
+    }
+    return out;
+}
+
+} // namespace celestark

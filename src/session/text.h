@@ -60,6 +60,10 @@ std::string format_position_deg(float radians, bool sign_form);
 std::string format_position_dm(double radians, bool sign_form);
 std::string format_position_dms(double radians, bool sign_form);
 
+// A text with symbol-font codes as UTF-8 for plain output: the bodies, the signs and the degree
+// and minute marks as their Unicode symbols; any other code above 127 as "?".
+std::string symbol_text_utf8(std::string_view text);
+
 struct HoursMinutesSeconds {
     int h = 0, m = 0, s = 0;
 };

@@ -1,5 +1,6 @@
 // The command line: options read strictly, inline events, and render writing its three kinds of
 // file for a stored and an inline event.
+#include "epoch.h"
 #include "event_options.h"
 #include "render.h"
 
@@ -15,6 +16,9 @@
 #include <QSvgRenderer>
 
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
 
 namespace celestark::cli {
 namespace {
@@ -173,6 +177,55 @@ TEST_F(Render, RefusesWhatItCannotDraw) {
         Options o = base;
         o[key] = value;
         EXPECT_NE(command_render(o), 0) << key << "=" << value;
+    }
+}
+
+// The epoch of a stored and an inline birth: a row for each line of the epoch window, one of
+// them recommended, each candidate's Moon on the birth's ascendant or descendant.
+TEST_F(Render, EpochPrintsTheSixLinesOfAStoredAndAnInlineBirth) {
+    store_event();
+    const Options stored = {{"db", file("People.zod.mdb")}, {"table", "Events"}, {"row", "1"}};
+    const Options inline_birth = {
+        {"date", "1879-03-14"}, {"time", "11:30:00"}, {"zone", "LMT"}, {"lat", "48N24"},
+        {"lon", "10E00"},       {"month", "synodic"}, {"months", "9"}};
+    for (const Options& o : {stored, inline_birth}) {
+        ::testing::internal::CaptureStdout();
+        ASSERT_EQ(command_epoch(o), 0);
+        std::istringstream out(::testing::internal::GetCapturedStdout());
+        std::string line;
+        std::getline(out, line);
+        EXPECT_EQ(line, "row,jd_ut,date,time,moon_lon_deg,asc_lon_deg,recommended,text");
+        std::vector<std::string> rows;
+        int recommended = 0;
+        double birth_asc = 0;
+        while (std::getline(out, line)) {
+            std::istringstream f(line);
+            std::string name, jd, date, time, moon, asc, rec;
+            for (std::string* cell : {&name, &jd, &date, &time, &moon, &asc, &rec})
+                std::getline(f, *cell, ',');
+            rows.push_back(name);
+            recommended += std::stoi(rec);
+            if (name == "birth") birth_asc = std::stod(asc);
+            if (name.rfind("asc", 0) == 0 || name.rfind("desc", 0) == 0) {
+                const double target = birth_asc + (name[0] == 'd' ? 180 : 0);
+                EXPECT_NEAR(std::remainder(std::stod(moon) - target, 360.0), 0, 0.01) << line;
+            }
+            EXPECT_NE(line.find(",\"  "), std::string::npos) << line; // the window's line
+        }
+        EXPECT_EQ(rows,
+                  (std::vector<std::string>{"birth", "return", "asc1", "asc2", "desc1", "desc2"}));
+        EXPECT_EQ(recommended, 1);
+    }
+    for (const auto& [option, value] :
+         {std::pair{"months", "13"}, std::pair{"months", "9.5"}, std::pair{"month", "lunar"},
+          std::pair{"epoch-lat", "40N43"}}) {
+        Options bad = inline_birth;
+        bad[option] = value;
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(command_epoch(bad), 2) << option;
+        EXPECT_NE(::testing::internal::GetCapturedStderr().find(std::string("--") + option),
+                  std::string::npos)
+            << option;
     }
 }
 
