@@ -407,6 +407,43 @@ void fit_clock(EventInput& input, bool twelve_hour) {
     }
 }
 
+bool check_place_cells(EventRow& cells, int place_column, MessageSink& sink) {
+    bool ok = true;
+    const auto fail = [&](const char* line) {
+        sink.input_error(line);
+        ok = false;
+    };
+    // The place's name, then its latitude and longitude, in the order of the event row.
+    const auto c = [&](int offset) -> std::string& {
+        return cells[static_cast<std::size_t>(place_column + offset)];
+    };
+    enum { name, lat_deg, lat_ns, lat_min, lat_sec, long_deg, long_ew, long_min, long_sec };
+    if (blank(c(name))) fail("PLACE - Cannot be left blank or with only spaces");
+
+    if (!in_range(c(lat_deg), 0, 90, true))
+        fail("DEGREES OF LATITUDE - Invalid entry - Must be a number between 0 and 90");
+    if (!blank(c(lat_ns)) && !one_of(c(lat_ns), {"N", "S"}))
+        fail("LATITUDE NORTH/SOUTH - 'N' or 'S' are the only valid entries");
+    if (!in_range(c(lat_min), 0, 59, true))
+        fail("MINUTES OF LATITUDE - Invalid entry - Must be a number between 0 and 59");
+    if (!in_range(c(lat_sec), 0, 59, true))
+        fail("SECONDS OF LATITUDE - Invalid entry - Must be a number between 0 and 59");
+    if (value_of(c(lat_deg)) == 90 && (value_of(c(lat_min)) != 0 || value_of(c(lat_sec)) != 0))
+        fail("LATITUDE - Cannot exceed 90 degrees");
+
+    if (!in_range(c(long_deg), 0, 180, true))
+        fail("DEGREES OF LONGITUDE - Invalid entry - Must be a number between 0 and 180");
+    if (!blank(c(long_ew)) && !one_of(c(long_ew), {"E", "W"}))
+        fail("LONGITUDE EAST/WEST - 'E' or 'W' are the only valid entries");
+    if (!in_range(c(long_min), 0, 59, true))
+        fail("MINUTES OF LONGITUDE - Invalid entry - Must be a number between 0 and 59");
+    if (!in_range(c(long_sec), 0, 59, true))
+        fail("SECONDS OF LONGITUDE - Invalid entry - Must be a number between 0 and 59");
+    if (value_of(c(long_deg)) == 180 && (value_of(c(long_min)) != 0 || value_of(c(long_sec)) != 0))
+        fail("LONGITUDE - Cannot exceed 180 degrees");
+    return ok;
+}
+
 bool check_event_fields(EventInput& input, MessageSink& sink) {
     bool ok = true;
     const auto fail = [&](const char* line) {
@@ -420,31 +457,7 @@ bool check_event_fields(EventInput& input, MessageSink& sink) {
         if (blank(c(column))) c(column) = " ";
     if (blank(c(col::surname))) fail("SURNAME - Cannot be left blank or with only spaces");
     if (blank(c(col::firstname))) c(col::firstname) = " ";
-    if (blank(c(col::place))) fail("PLACE - Cannot be left blank or with only spaces");
-
-    if (!in_range(c(col::lat_deg), 0, 90, true))
-        fail("DEGREES OF LATITUDE - Invalid entry - Must be a number between 0 and 90");
-    if (!blank(c(col::lat_ns)) && !one_of(c(col::lat_ns), {"N", "S"}))
-        fail("LATITUDE NORTH/SOUTH - 'N' or 'S' are the only valid entries");
-    if (!in_range(c(col::lat_min), 0, 59, true))
-        fail("MINUTES OF LATITUDE - Invalid entry - Must be a number between 0 and 59");
-    if (!in_range(c(col::lat_sec), 0, 59, true))
-        fail("SECONDS OF LATITUDE - Invalid entry - Must be a number between 0 and 59");
-    if (value_of(c(col::lat_deg)) == 90 &&
-        (value_of(c(col::lat_min)) != 0 || value_of(c(col::lat_sec)) != 0))
-        fail("LATITUDE - Cannot exceed 90 degrees");
-
-    if (!in_range(c(col::long_deg), 0, 180, true))
-        fail("DEGREES OF LONGITUDE - Invalid entry - Must be a number between 0 and 180");
-    if (!blank(c(col::long_ew)) && !one_of(c(col::long_ew), {"E", "W"}))
-        fail("LONGITUDE EAST/WEST - 'E' or 'W' are the only valid entries");
-    if (!in_range(c(col::long_min), 0, 59, true))
-        fail("MINUTES OF LONGITUDE - Invalid entry - Must be a number between 0 and 59");
-    if (!in_range(c(col::long_sec), 0, 59, true))
-        fail("SECONDS OF LONGITUDE - Invalid entry - Must be a number between 0 and 59");
-    if (value_of(c(col::long_deg)) == 180 &&
-        (value_of(c(col::long_min)) != 0 || value_of(c(col::long_sec)) != 0))
-        fail("LONGITUDE - Cannot exceed 180 degrees");
+    if (!check_place_cells(input.cells, col::place, sink)) ok = false;
 
     const bool day_ok = in_range(c(col::day), 1, 31, false);
     if (!day_ok) fail("DAY OF THE MONTH - Invalid entry ");

@@ -111,6 +111,11 @@ std::string apply_time_code(EventInput& input);
 // for a stored "12 pm") becomes 0 to 12 with "am" or "pm"; on the 24-hour clock "pm" is folded in.
 void fit_clock(EventInput& input, bool twelve_hour);
 
+// The place's name, latitude and longitude in the nine cells from `place_column` (the event's
+// own place or its epoch place): each failed rule adds its line to the input error list. True
+// when all passed.
+bool check_place_cells(EventRow& cells, int place_column, MessageSink& sink);
+
 // The full check: every failed rule adds its line to the input error list, in order; when one
 // failed, the list is shown and false returned. When all passed, blank places, meridians and
 // optional texts take their defaults.
