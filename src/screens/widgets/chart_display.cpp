@@ -165,7 +165,12 @@ ChartDisplay::ChartDisplay(Desktop& desktop)
     auto* save = make_button(this, "save_chart", "SAVE AS PNG, PDF OR SVG");
     connect(save, &QPushButton::clicked, this, [this] { save_as(); });
     auto* cancel = make_button(this, "screen_cancel", "EXIT");
-    connect(cancel, &QPushButton::clicked, this, [this] { hide(); });
+    connect(cancel, &QPushButton::clicked, this, [this] {
+        hide();
+        // Back to the window that asked for the page, when it is not the main window.
+        const std::string calling = session().drawing.chart_calling;
+        if (calling != "chart" && this->desktop().knows(calling)) this->desktop().run(calling);
+    });
     side->addWidget(print);
     side->addWidget(save);
     side->addStretch(1);

@@ -87,5 +87,6 @@ void add_option_set_windows(Desktop& desktop);     // zodiacs, aspect sets, colo
 void add_star_windows(Desktop& desktop);           // star database, options, groups, fixed points
 void add_help_windows(Desktop& desktop);           // the user guide and the About box
 void add_print_windows(Desktop& desktop);          // the charts of an event, the page setup
+void add_epoch_windows(Desktop& desktop);          // the prenatal epoch
 
 } // namespace celestark::screens

@@ -47,14 +47,6 @@ void select_line(QListWidget* list, const std::string& text) {
         }
 }
 
-// The pointer shows busy while a list is filled.
-struct BusyPointer {
-    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-};
-
 // The database and table the session has open, as one text.
 std::string table_in_use(const Session& s) {
     return s.event_store.event_db_path + s.event_store.event_db_name + "\n" +

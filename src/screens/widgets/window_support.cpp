@@ -3,6 +3,7 @@
 #include "screens/widgets/desktop.h"
 #include "session/session.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -37,6 +38,14 @@ void CelestarkWindow::closeEvent(QCloseEvent* event) {
     }
     event->ignore();
     sink().message(product_word, "You can't close windows in Celestark", MessageIcon::information);
+}
+
+BusyPointer::BusyPointer() {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+BusyPointer::~BusyPointer() {
+    QApplication::restoreOverrideCursor();
 }
 
 QString qt(const std::string& text) {

@@ -39,6 +39,15 @@ class CelestarkWindow : public QWidget {
     Desktop& desktop_;
 };
 
+// The pointer shows busy while it lives (a list filled, a correction run).
+class BusyPointer {
+  public:
+    BusyPointer();
+    ~BusyPointer();
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+};
+
 QString qt(const std::string& text);
 std::string text_of(const QLineEdit* field);
 
