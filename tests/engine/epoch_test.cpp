@@ -131,6 +131,37 @@ TEST(Epoch, CandidatesPutTheMoonOnTheBirthAnglesAMonthApart) {
     }
 }
 
+// One birth for each branch of the rule, worked by hand from the birth's Sun, Moon and
+// ascendant: the kind of the Moon picks the angle, and its place above or below the horizon
+// whether the epoch falls after the month return (shorter) or before it (longer).
+TEST(Epoch, TheRuleOnHandWorkedBirths) {
+    struct Case {
+        const char* what;
+        Birth birth;
+        int recommended;
+    };
+    const Case cases[] = {
+        // Moon 7.7, Sun 336, ascendant 172.3: waxing, above: asc, after the return.
+        {"waxing above", {24, 2, 1955, 19, 5, 37, 46, 'N', 122, 25, 'W'}, 1},
+        // Moon 261.7, Sun 83, ascendant 161.7: waxing, below: asc, before the return.
+        {"waxing below", {14, 6, 1946, 10, 58, 40, 42, 'N', 74, 0, 'W'}, 1},
+        // Moon 297.1, Sun 323.6, ascendant 324.2: waning, above: desc, before the return.
+        {"waning above", {12, 2, 1809, 7, 0, 37, 32, 'N', 85, 44, 'W'}, 3},
+        // Moon 254.5, Sun 353.6, ascendant 101.6: waning, below: desc, after the return.
+        {"waning below", {14, 3, 1879, 11, 30, 48, 24, 'N', 10, 0, 'E'}, 3},
+    };
+    Session s = make_session();
+    for (const Case& c : cases) {
+        put_birth(s, c.birth);
+        calculate_epoch(s);
+        EXPECT_EQ(s.epoch.recommended, c.recommended) << c.what;
+        const std::string& line = s.epoch.lines[static_cast<std::size_t>(s.epoch.recommended + 1)];
+        const bool after =
+            std::string(c.what) == "waxing above" || std::string(c.what) == "waning below";
+        EXPECT_NE(line.find(after ? " SHORTER" : " LONGER"), std::string::npos) << c.what;
+    }
+}
+
 TEST(Epoch, TheFirstGuessesAreWholeMonthsOfDays) {
     Session s = make_session();
     put_birth(s, {14, 3, 1879, 11, 30, 48, 24, 'N', 10, 0, 'E'});
