@@ -2,6 +2,7 @@
 
 #include "aspects/aspect_search.h"
 #include "drawing/page_furniture.h"
+#include "drawing/prenatal_pages.h"
 #include "drawing/recording_surface.h"
 #include "drawing/wheel.h"
 #include "engine/chart.h"
@@ -556,6 +557,16 @@ const std::map<std::string_view, PageEntry>& pages_table() {
         {"star_lem", {&star_wheel_page, true}},
         {"star_analysis_conjunction", {&star_analysis_page, true}},
         {"star_analysis_horizon", {&star_analysis_page, true}},
+        {"prenatal1", {&prenatal_distances_page, true}},
+        {"prenatal2", {&prenatal_latitudes_page, true}},
+        {"prenatal_rect", {&prenatal_rectified_page, false}},
+        {"prenatal_helio_rect", {&prenatal_rectified_page, false}},
+        {"prenatal_lem_rect", {&prenatal_rectified_page, false}},
+        {"lem_prenatal1", {&lem_prenatal_distances_page, true}},
+        {"lem_prenatal3dwith", {&lem_prenatal_3d_page, true}},
+        {"lem_prenatal3dse", {&lem_prenatal_3d_page, true}},
+        {"plan display", {&plan_display_page, true}},
+        {"planets motion", {&planets_motion_page, true}},
     };
     return table;
 }
@@ -564,6 +575,11 @@ const std::map<std::string_view, PageEntry>& pages_table() {
 
 bool page_known(std::string_view word) {
     return pages_table().count(word) > 0;
+}
+
+bool page_is_portrait(std::string_view word) {
+    const auto it = pages_table().find(word);
+    return it == pages_table().end() || it->second.portrait;
 }
 
 bool screen_display(Drawing& g) {

@@ -15,8 +15,10 @@ namespace celestark::drawing {
 // dialog, a fatal error).
 bool screen_display(Drawing& g);
 
-// Whether `screen_display` has a page for a word.
+// Whether `screen_display` has a page for a word, and whether that page stands upright (the
+// rectified prenatal pages lie across).
 bool page_known(std::string_view word);
+bool page_is_portrait(std::string_view word);
 
 // One page of a printed series: its word (or "harmonics" for the harmonics page) and the world
 // view it is drawn in.

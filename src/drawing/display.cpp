@@ -120,6 +120,8 @@ void Drawing::read_page_options() {
     o.display_horizon = general("display_horizon").as_int() != 0;
     o.display_meridian = general("display_meridian").as_int() != 0;
     o.star_zodiac_width = static_cast<int>(general("star_zodiac_width").as_int());
+    o.prenatal_sectors =
+        read_option(s, store::chart_options_table, "prenatal_sectors").as_int() != 0;
     // Without an option record (a session started bare) the options keep their first values.
     if (!s.stores) o = PageOptions{};
 }

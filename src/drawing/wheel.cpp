@@ -487,8 +487,12 @@ void plot_planets_vertical(Drawing& g, float x, float y_top, float y_bottom, flo
     for (int i = 1; i <= 360; ++i) {
         const std::string& glyph = w.slot_glyph[i];
         if (glyph.empty() || glyph == " ") continue;
-        const double true_y = y_top + degrees_0_360(w.slot_long[i]) * per_degree;
+        double true_y = y_top + degrees_0_360(w.slot_long[i]) * per_degree;
         const double slot_y = y_top + i * per_degree;
+        // At the seam a point at 0 degrees may stand in the last slot (and one near 360 in the
+        // first): its tick goes to the nearer end of the strip.
+        if (true_y - slot_y > 180 * per_degree) true_y -= 360 * per_degree;
+        if (slot_y - true_y > 180 * per_degree) true_y += 360 * per_degree;
         const Colour colour = g.glyph_colour(glyph);
         g.display_line(x, x + static_cast<float>(F * 0.4), static_cast<float>(true_y),
                        static_cast<float>(slot_y), colour, solid);

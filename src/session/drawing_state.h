@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace celestark {
 
@@ -40,6 +41,7 @@ struct PageOptions {
     bool display_ecliptic = false, display_equator = false, display_horizon = false,
          display_meridian = false;
     int star_zodiac_width = 8;
+    bool prenatal_sectors = false; // the epoch to birth sectors of the prenatal pages
 };
 
 // What the window that prints the charts of an event selects: for the groups Geocentric,
@@ -50,6 +52,13 @@ struct ChartPrintSelection {
     static constexpr int groups = 5; // Geocentric, Lemnicentric, Heliocentric, Geo/Helio, Tychonic
     std::array<bool, groups> standard{}, star{}, harmonics{};
     bool helio_triple = false, all_planets = false;
+};
+
+// The planetary motion of the chart window: the span the run traces and the bodies it shows.
+struct MotionSettings {
+    double start_jd = 0, end_jd = 0;   // Universal Time; both 0: a year from the event shown
+    std::vector<unsigned char> bodies; // glyph codes; empty: Mercury to Pluto and the Earth
+    bool three_d = false;              // the lemnicentric run seen in perspective
 };
 
 struct DrawingState {
@@ -87,6 +96,7 @@ struct DrawingState {
     std::string chart_kind;
     std::string chart_calling;
     bool allow_stepping = true, show_step_panel = true, stepping_on = false;
+    MotionSettings motion;
     // The time stamp of printed footers; empty: the moment of printing.
     std::string print_time_stamp;
 };
