@@ -69,6 +69,30 @@ const std::vector<ChartCommand>& chart_commands() {
          "Stars Conjunct the Chart"},
         {"epoch_stars_horizon", "star_analysis_horizon", "Geocentric", E::epoch,
          "Stars on the Angles"},
+        {"eb_circ_rad", "prenatal1", "Geocentric", E::prenatal,
+         "Epoch and birth: planetary distances"},
+        {"eb_circ_lat", "prenatal2", "Geocentric", E::prenatal,
+         "Epoch and birth: planetary latitudes"},
+        {"eb_rect", "prenatal_rect", "Geocentric", E::prenatal, "Epoch to birth in strips"},
+        {"geo_par", "prenatal_rect", "Geocentric", E::prenatal, "Geocentric prenatal strips"},
+        {"her_par", "prenatal_rect", "Tychonic", E::prenatal, "Tychonic prenatal strips"},
+        {"hermetic_rect", "prenatal_rect", "Tychonic", E::prenatal,
+         "Epoch to birth in strips (Tychonic)"},
+        {"helio_rect", "prenatal_helio_rect", "Heliocentric", E::prenatal,
+         "Epoch to birth in strips (Heliocentric)"},
+        {"helio_par", "prenatal_helio_rect", "Heliocentric", E::prenatal,
+         "Heliocentric prenatal strips"},
+        {"lem_rect", "prenatal_lem_rect", "Lemnicentric", E::prenatal,
+         "Epoch to birth in strips (Lemnicentric)"},
+        {"lem_par", "prenatal_lem_rect", "Lemnicentric", E::prenatal,
+         "Lemnicentric prenatal strips"},
+        {"lem_dist", "lem_prenatal1", "Lemnicentric", E::prenatal,
+         "Lemnicentric planetary distances"},
+        {"lem_3d_with", "lem_prenatal3dwith", "Lemnicentric", E::prenatal,
+         "Lemnicentric in three dimensions"},
+        {"lem_3d_se", "lem_prenatal3dse", "Lemnicentric", E::prenatal,
+         "Lemnicentric Sun and Earth in three dimensions"},
+        {"planetary_motion", "plan display", "Geocentric", E::active, "Plan of the Solar System"},
     };
     return commands;
 }
@@ -248,19 +272,23 @@ bool chart_request(Session& s, const ChartCommand& command, MessageSink& sink) {
                      MessageIcon::information);
         return false;
     }
-    if (command.events == CommandEvents::epoch) {
+    int epoch_row = 0;
+    if (command.events != CommandEvents::active) {
         if (trim(slots[active][col::epoch_exists]) != "Y") {
             sink.message("NO EPOCH",
                          "Event " + std::to_string(active) + " has no prenatal epoch yet.",
                          MessageIcon::information);
             return false;
         }
-        row = active + slot::epoch_offset;
-        derive_epoch_event(slots, active, row);
+        epoch_row = active + slot::epoch_offset;
+        derive_epoch_event(slots, active, epoch_row);
+        if (command.events == CommandEvents::epoch) row = epoch_row;
     }
     DrawingState& d = s.drawing;
     d.working_event = row;
     d.inner_event = row;
+    // A prenatal chart draws the birth with its epoch as the outer event.
+    if (command.events == CommandEvents::prenatal) d.outer_event = epoch_row;
     d.screen_page = command.screen_page;
     s.chart.world_view = command.world_view;
     d.printing = false;

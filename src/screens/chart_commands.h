@@ -16,8 +16,9 @@ struct Session;
 
 inline constexpr const char* chart_window_title = "CELESTARK - Version 2.007";
 
-// Which event a chart command draws.
-enum class CommandEvents { active, epoch };
+// Which event a chart command draws: the active one, its epoch, or the active birth together with
+// its epoch (the prenatal charts).
+enum class CommandEvents { active, epoch, prenatal };
 
 struct ChartCommand {
     const char* name;        // the control, e.g. "chart_geocentric"
@@ -73,7 +74,9 @@ std::string event_store_caption(const Session& s);
 
 // A chart command: the slot it draws (the active one, or its epoch), the page and the world view
 // go to the drawing values; stepping is allowed and the shown event is copied to the work row
-// that stepping changes. False when the slot holds no event (the message says so).
+// that stepping changes. A prenatal chart draws the active slot with its epoch row as the outer
+// event. False when the slot holds no event, or no epoch where one is needed (the message says
+// so).
 bool chart_request(Session& s, const ChartCommand& command, MessageSink& sink);
 
 // The time steps of `chart_display`: "plus1sec" ... "plus100years" and the "minus" ones.

@@ -60,6 +60,34 @@ TEST_F(ChartCommands, ARequestNeedsAnEventAndAnEpochForTheEpochCharts) {
     EXPECT_EQ(s.chart.world_view, "Tychonic");
 }
 
+// A prenatal chart draws the birth with its epoch, which it needs.
+TEST_F(ChartCommands, APrenatalChartDrawsTheBirthWithItsEpoch) {
+    s.event_slots[1] = make_default_event();
+    s.event_slots[1][col::epoch_exists] = "N";
+    for (const char* name :
+         {"eb_circ_rad", "eb_rect", "her_par", "helio_rect", "lem_par", "lem_3d_se"}) {
+        const ChartCommand& c = *find_chart_command(name);
+        EXPECT_EQ(c.events, CommandEvents::prenatal) << name;
+        EXPECT_FALSE(chart_request(s, c, folder.sink)) << name;
+        EXPECT_EQ(folder.sink.messages.back().title, "NO EPOCH") << name;
+        EXPECT_EQ(folder.sink.messages.back().text, "Event 1 has no prenatal epoch yet.");
+    }
+    s.event_slots[1][col::epoch_exists] = "Y";
+    s.event_slots[1][col::epoch_year] = "1999";
+    ASSERT_TRUE(chart_request(s, *find_chart_command("hermetic_rect"), folder.sink));
+    EXPECT_EQ(s.drawing.working_event, 1);
+    EXPECT_EQ(s.drawing.inner_event, 1);
+    EXPECT_EQ(s.drawing.outer_event, 1 + slot::epoch_offset);
+    EXPECT_EQ(s.event_slots[1 + slot::epoch_offset][col::year], "1999");
+    EXPECT_EQ(s.event_slots[1 + slot::epoch_offset][col::event], "Epoch");
+    EXPECT_EQ(s.drawing.screen_page, "prenatal_rect");
+    EXPECT_EQ(s.chart.world_view, "Tychonic");
+    // The plan of the Solar System needs the event alone.
+    s.event_slots[1][col::epoch_exists] = "N";
+    ASSERT_TRUE(chart_request(s, *find_chart_command("planetary_motion"), folder.sink));
+    EXPECT_EQ(s.drawing.screen_page, "plan display");
+}
+
 // Steps change the work row only, and carry as the calendar does; back and forth returns.
 TEST_F(ChartCommands, StepsMoveTheShownTimeOnly) {
     s.event_slots[1] = make_default_event();

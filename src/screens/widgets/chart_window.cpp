@@ -46,10 +46,6 @@ struct MenuEntry {
 
 // Commands of windows and Parts that come later: shown, disabled until they arrive.
 constexpr MenuEntry later_charts[] = {
-    {"eb_circ_rad", "Prenatal chart (distances)"},
-    {"eb_circ_lat", "Prenatal chart (latitudes)"},
-    {"eb_rect", "Prenatal strip"},
-    {"planetary_motion", "Planetary motion"},
     {"tmm_event", "TMM Event Chart"},
     {"tmm_identity", "TMM Identity Chart"},
     {"tmm_spirit", "TMM Spirit Chart"},
@@ -133,7 +129,12 @@ void ChartWindow::build_menus() {
     QMenu* charts = menuBar()->addMenu("C&harts");
     QMenu* epoch = menuBar()->addMenu("&Epoch");
     for (const ChartCommand& c : chart_commands())
-        add(c.events == CommandEvents::epoch ? epoch : charts, c.name, qt(c.caption));
+        if (c.events != CommandEvents::prenatal)
+            add(c.events == CommandEvents::epoch ? epoch : charts, c.name, qt(c.caption));
+    // The prenatal charts draw the birth with its epoch: a section of their own.
+    epoch->addSection("Prenatal charts");
+    for (const ChartCommand& c : chart_commands())
+        if (c.events == CommandEvents::prenatal) add(epoch, c.name, qt(c.caption));
     charts->addSeparator();
     for (const MenuEntry& e : later_charts) add(charts, e.name, e.caption);
     epoch->addSeparator();
