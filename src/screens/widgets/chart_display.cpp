@@ -3,6 +3,7 @@
 #include "drawing/chart_pages.h"
 #include "drawing/painter_surface.h"
 #include "drawing/recording_surface.h"
+#include "screens/planet_motion.h"
 #include "screens/widgets/desktop.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
@@ -18,8 +19,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <cmath>
@@ -72,7 +75,10 @@ ChartDisplay::ChartDisplay(Desktop& desktop)
     : CelestarkWindow(desktop, "chart_display", "CELESTARK - Chart") {
     auto* layout = new QHBoxLayout(this);
     canvas_ = new ChartCanvas(this, [this] { redraw(); });
-    layout->addWidget(canvas_, 1);
+    auto* picture = new QVBoxLayout;
+    picture->addWidget(canvas_, 1);
+    picture->addWidget(build_motion_panel());
+    layout->addLayout(picture, 1);
 
     auto* side = new QVBoxLayout;
     layout->addLayout(side);
@@ -182,7 +188,7 @@ ChartDisplay::~ChartDisplay() = default;
 
 void ChartDisplay::redraw() {
     Session& s = session();
-    if (s.drawing.screen_page.empty()) return;
+    if (s.drawing.screen_page.empty() || drawing_) return;
     drawing::Surface* surface = &canvas_->canvas();
     if (recording_) {
         recording_->forget();
@@ -191,7 +197,15 @@ void ChartDisplay::redraw() {
     }
     desktop().canvases().chart = surface;
     s.drawing.printing = false;
+    // The planets' motion is shown step by step while its run lets the screen's events through.
+    QTimer shown;
+    if (s.drawing.screen_page == "planets motion") {
+        connect(&shown, &QTimer::timeout, canvas_, [this] { canvas_->update(); });
+        shown.start(50);
+    }
+    drawing_ = true;
     drawing::screen_display(desktop().drawing());
+    drawing_ = false;
     ++pages_drawn_;
     canvas_->update();
 }
@@ -206,6 +220,7 @@ void ChartDisplay::refresh_fields() {
 }
 
 void ChartDisplay::show_page() {
+    fill_motion_dates();
     show();
     raise();
     activateWindow();
@@ -269,6 +284,10 @@ void ChartDisplay::walk(bool forward) {
 }
 
 void ChartDisplay::print() {
+    // A page that lies across is printed on a turned sheet.
+    const bool portrait = drawing::page_is_portrait(session().drawing.screen_page);
+    desktop().printer().setPageOrientation(portrait ? QPageLayout::Portrait
+                                                    : QPageLayout::Landscape);
     desktop().print([this] { return drawing::screen_display(desktop().drawing()); });
     redraw();
 }
@@ -289,7 +308,9 @@ bool ChartDisplay::save_page(const std::string& path) {
             sink().message(product_word, "The picture could not be saved: " + error,
                            MessageIcon::exclamation);
     } else if (ext == ".PDF") {
-        drawing::PdfCanvas paper(path);
+        drawing::PageFormat sheet;
+        sheet.landscape = !drawing::page_is_portrait(s.drawing.screen_page);
+        drawing::PdfCanvas paper(path, sheet);
         canvases.printer = &paper;
         s.drawing.printing = true;
         ok = drawing::screen_display(desktop().drawing());
@@ -314,6 +335,70 @@ void ChartDisplay::save_as() {
     const QString path = QFileDialog::getSaveFileName(
         this, "Save the page", "chart.png", "PNG picture (*.png);;PDF page (*.pdf);;SVG (*.svg)");
     if (!path.isEmpty()) save_page(path.toStdString());
+}
+
+QWidget* ChartDisplay::build_motion_panel() {
+    auto* panel = make_group(this, "motion_panel", "MOTION OF THE PLANETS");
+    auto* rows = new QVBoxLayout(panel);
+    auto* top = new QHBoxLayout;
+    int i = 0;
+    for (const MotionViewChoice& v : motion_views()) {
+        motion_views_[i] = make_radio(panel, v.name, v.caption);
+        top->addWidget(motion_views_[i++]);
+    }
+    motion_views_[1]->setChecked(true);
+    top->addSpacing(24);
+    static constexpr const char* date_names[6] = {"start_day", "start_month", "start_year",
+                                                  "end_day",   "end_month",   "end_year"};
+    for (int k = 0; k < 6; ++k) {
+        if (k % 3 == 0) top->addWidget(new QLabel(k == 0 ? "From" : "to", panel));
+        motion_dates_[k] = make_field(panel, date_names[k], k % 3 == 2 ? 5 : 2);
+        motion_dates_[k]->setMaximumWidth(k % 3 == 2 ? 70 : 40);
+        top->addWidget(motion_dates_[k]);
+    }
+    top->addStretch(1);
+    auto* show = make_button(panel, "display_motion", "SHOW MOTION");
+    connect(show, &QPushButton::clicked, this, [this] { display_motion(); });
+    top->addWidget(show);
+    rows->addLayout(top);
+    auto* boxes = new QHBoxLayout;
+    for (const MotionBody& b : motion_bodies()) {
+        QCheckBox* box = make_check(panel, b.name, b.caption);
+        // The planets and the Earth to begin with.
+        box->setChecked(b.glyph != glyph::sun && b.glyph != glyph::moon &&
+                        b.glyph != glyph::chiron && b.glyph < glyph::ceres);
+        motion_bodies_.push_back(box);
+        boxes->addWidget(box);
+    }
+    boxes->addStretch(1);
+    rows->addLayout(boxes);
+    return panel;
+}
+
+void ChartDisplay::fill_motion_dates() {
+    // A year from the active event, until the user types otherwise.
+    const Session& s = session();
+    const EventRow& row = s.event_slots[s.event_slots.active_event];
+    if (slot_is_empty(row) || !text_of(motion_dates_[0]).empty()) return;
+    const std::string day = trim(row[col::day]), month = trim(row[col::month]);
+    const std::string year = trim(row[col::year]);
+    const std::string next = std::to_string(static_cast<long long>(text_to_number(year)) + 1);
+    const std::string texts[6] = {day, month, year, day, month, next};
+    for (int k = 0; k < 6; ++k) motion_dates_[k]->setText(qt(texts[k]));
+}
+
+void ChartDisplay::display_motion() {
+    MotionInput input;
+    std::string* texts[6] = {&input.start_day, &input.start_month, &input.start_year,
+                             &input.end_day,   &input.end_month,   &input.end_year};
+    for (int k = 0; k < 6; ++k) *texts[k] = text_of(motion_dates_[k]);
+    for (QCheckBox* box : motion_bodies_)
+        if (box->isChecked()) input.ticked.push_back(box->objectName().toStdString());
+    MotionView view = MotionView::helio;
+    for (int k = 0; k < 4; ++k)
+        if (motion_views_[k]->isChecked()) view = motion_views()[static_cast<std::size_t>(k)].view;
+    if (!motion_request(session(), input, view, sink())) return;
+    show_page();
 }
 
 } // namespace celestark::screens

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QComboBox;
 class QCheckBox;
@@ -66,6 +67,10 @@ class ChartDisplay : public CelestarkWindow {
     void walk(bool forward);
     void print();
     void save_as();
+    // The motion of the planets: the view, the span and the bodies, checked and drawn.
+    QWidget* build_motion_panel();
+    void fill_motion_dates();
+    void display_motion();
 
     ChartCanvas* canvas_ = nullptr;
     QGroupBox* step_panel_ = nullptr;
@@ -78,6 +83,10 @@ class ChartDisplay : public CelestarkWindow {
     int step_index_ = 7; // ap_step: one day
     drawing::RecordingSurface* recording_ = nullptr;
     int pages_drawn_ = 0;
+    QRadioButton* motion_views_[4]{};
+    QLineEdit* motion_dates_[6]{};
+    std::vector<QCheckBox*> motion_bodies_;
+    bool drawing_ = false; // a page is being drawn (a long run lets the screen's events through)
 };
 
 } // namespace celestark::screens
