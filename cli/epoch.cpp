@@ -61,36 +61,47 @@ bool put_epoch_place(const Options& o, EventRow& row, std::string& error) {
 
 } // namespace
 
-int command_epoch(const Options& o) {
-    Session s;
-    initialise_session(s, std::filesystem::current_path().string());
-    std::string error;
-    if (!load_event_option(o, s, slot::first_user, error)) return fail(error);
-    EventRow& birth = s.event_slots[slot::first_user];
+bool prepare_epoch(const Options& o, Session& s, int slot, std::string& error) {
+    EventRow birth = s.event_slots[slot];
     const std::string kind = trim(birth[col::event]);
-    if (!kind.empty() && kind != "Birth")
-        return fail("the event is a " + kind + ": only a birth has a prenatal epoch");
-
+    if (!kind.empty() && kind != "Birth") {
+        error = "the event is a " + kind + ": only a birth has a prenatal epoch";
+        return false;
+    }
     // The stored choices of the event, unless the options say otherwise.
     EpochState& ep = s.epoch;
     const int stored_months = text_to_i16(birth[col::epoch_months]);
     ep.months = stored_months >= 6 && stored_months <= 12 ? stored_months : 10;
     ep.sidereal = trim(birth[col::epoch_moon]) != "F";
     double months = ep.months;
-    if (!number_option(o, "months", months, error) && !error.empty()) return fail(error);
-    if (months != std::floor(months) || months < 6 || months > 12)
-        return fail("--months must be a whole number of lunar months from 6 to 12");
+    if (!number_option(o, "months", months, error) && !error.empty()) return false;
+    if (months != std::floor(months) || months < 6 || months > 12) {
+        error = "--months must be a whole number of lunar months from 6 to 12";
+        return false;
+    }
     ep.months = static_cast<int>(months);
     if (const auto it = o.find("month"); it != o.end()) {
-        if (it->second != "sidereal" && it->second != "synodic")
-            return fail("--month must be sidereal or synodic, not '" + it->second + "'");
+        if (it->second != "sidereal" && it->second != "synodic") {
+            error = "--month must be sidereal or synodic, not '" + it->second + "'";
+            return false;
+        }
         ep.sidereal = it->second == "sidereal";
     }
-    if (!put_epoch_place(o, birth, error)) return fail(error);
+    if (!put_epoch_place(o, birth, error)) return false;
     s.event_slots[epoch_row::birth] = birth;
+    return true;
+}
+
+int command_epoch(const Options& o) {
+    Session s;
+    initialise_session(s, std::filesystem::current_path().string());
+    std::string error;
+    if (!load_event_option(o, s, slot::first_user, error)) return fail(error);
+    if (!prepare_epoch(o, s, slot::first_user, error)) return fail(error);
     // The ascendants come from the houses of each moment.
     s.chart.house_system = "Placidus";
     calculate_epoch(s);
+    const EpochState& ep = s.epoch;
 
     static constexpr const char* names[6] = {"birth", "return", "asc1", "asc2", "desc1", "desc2"};
     std::printf("row,jd_ut,date,time,moon_lon_deg,asc_lon_deg,recommended,text\n");

@@ -221,6 +221,25 @@ void adjust_birth(Session& s, int hours, int minutes, int seconds, int msecs) {
     calculate_epoch(s);
 }
 
+void put_epoch_in_event(const Session& s, EventRow& event, int candidate) {
+    const EventRow& birth = s.event_slots[epoch_row::birth];
+    const EventRow& chosen = s.event_slots[epoch_row::month_return + candidate];
+    const auto cell = [&](int column) -> std::string& {
+        return event[static_cast<std::size_t>(column)];
+    };
+    for (int c = col::day; c <= col::year; ++c) cell(c) = birth[static_cast<std::size_t>(c)];
+    for (int c = col::hours; c <= col::msecs; ++c) cell(c) = birth[static_cast<std::size_t>(c)];
+    // The epoch place and date stand 23 columns after the event's own, its time 22 after.
+    for (int c = col::place; c <= col::year; ++c)
+        cell(c + 23) = chosen[static_cast<std::size_t>(c)];
+    for (int c = col::hours; c <= col::msecs; ++c)
+        cell(c + 22) = chosen[static_cast<std::size_t>(c)];
+    cell(col::moon_on_asc) = candidate <= 2 ? "Asc" : "Des";
+    cell(col::epoch_exists) = "Y";
+    cell(col::epoch_months) = std::to_string(s.epoch.months);
+    cell(col::epoch_moon) = s.epoch.sidereal ? "T" : "F";
+}
+
 double correction_damping(double seconds) {
     const double size = std::fabs(seconds);
     if (size < 3) return 0.85;

@@ -37,6 +37,11 @@ bool moon_waxing(double moon, double sun);
 // counts as above).
 bool moon_above(double moon, double ascendant);
 
+// The chosen candidate (1 asc1, 2 asc2, 3 desc1, 4 desc2) into an event row, with the birth of
+// row 5 (corrected or not): the epoch's place, date and Greenwich time, the angle the Moon stands
+// on, the months and their kind, and the epoch flag.
+void put_epoch_in_event(const Session& s, EventRow& event, int candidate);
+
 // The factor a correction step is damped by, for a step of `seconds` (its size).
 double correction_damping(double seconds);
 

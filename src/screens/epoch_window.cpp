@@ -172,22 +172,7 @@ bool EpochWindows::store(Session& s, int candidate, MessageSink& sink) {
     EventSlots& slots = s.event_slots;
     const int active = slots.active_event;
     EventRow& row = slots[active];
-    const EventRow& chosen = slots[epoch_row::month_return + candidate];
-    // The birth, corrected or not.
-    for (int c = col::day; c <= col::year; ++c) at(row, c) = birth_[static_cast<std::size_t>(c)];
-    for (int c = col::hours; c <= col::msecs; ++c) at(row, c) = birth_[static_cast<std::size_t>(c)];
-    // The candidate: its place, date and Greenwich time.
-    for (int i = 0; i < place_cells; ++i)
-        at(row, col::epoch_place + i) = chosen[static_cast<std::size_t>(col::place + i)];
-    at(row, col::epoch_day) = chosen[col::day];
-    at(row, col::epoch_month) = chosen[col::month];
-    at(row, col::epoch_year) = chosen[col::year];
-    for (int i = 0; i < 4; ++i)
-        at(row, col::epoch_hours + i) = chosen[static_cast<std::size_t>(col::hours + i)];
-    at(row, col::moon_on_asc) = candidate <= 2 ? "Asc" : "Des";
-    at(row, col::epoch_exists) = "Y";
-    at(row, col::epoch_months) = std::to_string(options_.months);
-    at(row, col::epoch_moon) = options_.sidereal ? "T" : "F";
+    put_epoch_in_event(s, row, candidate);
 
     // Offered for saving as any changed event is.
     EventInput input;
