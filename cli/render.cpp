@@ -1,5 +1,8 @@
 #include "render.h"
 
+#include "engine/epoch.h"
+#include "epoch.h"
+
 #include "event_options.h"
 #include "positions.h"
 #include "stores.h"
@@ -136,7 +139,25 @@ constexpr PageView page_views[] = {
     {"star_analysis_conjunction", "Geocentric"},
     {"star_analysis_horizon", "Geocentric"},
     {"harmonics", "Geocentric"},
+    {"prenatal1", "Geocentric"},
+    {"prenatal2", "Geocentric"},
+    {"prenatal_rect", "Geocentric"},
+    {"prenatal_helio_rect", "Heliocentric"},
+    {"prenatal_lem_rect", "Lemnicentric"},
+    {"lem_prenatal1", "Lemnicentric"},
+    {"lem_prenatal3dwith", "Lemnicentric"},
+    {"lem_prenatal3dse", "Lemnicentric"},
+    {"plan display", "Geocentric"},
+    {"planets motion", "Heliocentric"},
 };
+
+// The pages of a birth with its prenatal epoch, and those among them that are landscape.
+bool prenatal_page(const std::string& page) {
+    return page.rfind("prenatal", 0) == 0 || page.rfind("lem_prenatal", 0) == 0;
+}
+bool landscape_page(const std::string& page) {
+    return page == "prenatal_rect" || page == "prenatal_helio_rect" || page == "prenatal_lem_rect";
+}
 
 const char* default_view(const std::string& page) {
     for (const PageView& p : page_views)
@@ -146,7 +167,11 @@ const char* default_view(const std::string& page) {
 
 std::string pages_list() {
     std::string out;
-    for (const PageView& p : page_views) out += (out.empty() ? "" : ", ") + std::string(p.page);
+    for (const PageView& p : page_views) {
+        const std::string word = p.page;
+        out += (out.empty() ? "" : ", ") +
+               (word.find(' ') == std::string::npos ? word : "\"" + word + "\"");
+    }
     return out;
 }
 
@@ -216,6 +241,10 @@ bool format_of(const std::string& path, Format& f) {
 bool draw_page(Prepared& p, const std::string& page, Drawing& g) {
     g.d.screen_page = page;
     g.d.working_event = slot::first_user;
+    g.d.inner_event = slot::first_user;
+    // A prenatal page draws the birth with its epoch, which the row's epoch cells give.
+    g.d.outer_event = slot::first_user + slot::epoch_offset;
+    derive_epoch_event(p.s.event_slots, slot::first_user, g.d.outer_event);
     g.d.allow_stepping = true;
     g.d.stepping_on = false;
     if (page != "harmonics") return drawing::screen_display(g) && !p.fatal;
@@ -258,6 +287,14 @@ int command_render(const Options& o) {
     auto prepared = std::make_unique<Prepared>();
     if (!prepare_session(o, folder.path(), *prepared, error)) return fail(error);
     Session& s = prepared->s;
+    // A prenatal page draws the birth with its epoch: the one stored with the event, or else the
+    // one the rule selects (with the epoch options of the command).
+    EventRow& birth = s.event_slots[slot::first_user];
+    if (prenatal_page(page) && trim(birth[col::epoch_exists]) != "Y") {
+        if (!prepare_epoch(o, s, slot::first_user, error)) return fail(error);
+        calculate_epoch(s);
+        put_epoch_in_event(s, birth, s.epoch.recommended > 0 ? s.epoch.recommended : 1);
+    }
     s.chart.world_view = view;
     if (const auto it = o.find("world-view"); it != o.end()) {
         const std::string& w = it->second;
@@ -272,10 +309,14 @@ int command_render(const Options& o) {
     std::unique_ptr<Surface> canvas;
     drawing::RasterCanvas* raster = nullptr;
     const int pixels = static_cast<int>(width);
+    // The rectified prenatal pages are landscape: on paper the sheet is turned.
+    const bool turned = printing && landscape_page(page);
     switch (format) {
     case Format::png: {
-        const float twips_wide = printing ? a4_twips_wide : window_twips_wide;
-        const float twips_high = printing ? a4_twips_high : window_twips_high;
+        const float twips_wide =
+            printing ? (turned ? a4_twips_high : a4_twips_wide) : window_twips_wide;
+        const float twips_high =
+            printing ? (turned ? a4_twips_wide : a4_twips_high) : window_twips_high;
         auto r = std::make_unique<drawing::RasterCanvas>(
             pixels, static_cast<int>(pixels * twips_high / twips_wide), twips_wide, printing);
         raster = r.get();
@@ -284,7 +325,9 @@ int command_render(const Options& o) {
     }
     case Format::pdf:
         if (printing) {
-            canvas = std::make_unique<drawing::PdfCanvas>(out);
+            drawing::PageFormat f;
+            f.landscape = turned;
+            canvas = std::make_unique<drawing::PdfCanvas>(out, f);
         } else {
             drawing::PageFormat f{window_twips_wide / 1440 * 25.4, window_twips_high / 1440 * 25.4,
                                   0, false};
@@ -292,7 +335,8 @@ int command_render(const Options& o) {
         }
         break;
     case Format::svg:
-        canvas = printing ? std::make_unique<drawing::SvgCanvas>(out, drawing::PageFormat{})
+        canvas = printing ? std::make_unique<drawing::SvgCanvas>(
+                                out, drawing::PageFormat{210, 297, 10, turned})
                           : std::make_unique<drawing::SvgCanvas>(
                                 out, drawing::PageFormat{}, window_twips_wide, window_twips_high);
         break;

@@ -1,0 +1,115 @@
+// render with the prenatal pages and the plan of the Solar System: a stored birth with its epoch
+// is drawn, landscape on paper for the strips; a birth without one gets the epoch the rule
+// selects.
+#include "event_options.h"
+#include "render.h"
+
+#include "../store/store_test_support.h"
+#include "screens/event_input.h"
+#include "store/event_schema.h"
+
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace celestark::cli {
+namespace {
+
+class RenderPrenatal : public ::testing::Test {
+  protected:
+    store::testing::ScratchDir dir;
+    std::string file(const std::string& name) const { return dir.file(name).string(); }
+
+    // An event table with one stored birth and, when asked, its epoch.
+    void store_birth(bool with_epoch) {
+        store::TableStore db;
+        ASSERT_EQ(db.create(dir.file("People.zod.mdb")), store::Outcome::ok);
+        ASSERT_EQ(
+            db.create_table("Events", store::event_table_fields(), store::event_table_indexes()),
+            store::Outcome::ok);
+        store::Recordset records;
+        ASSERT_EQ(db.open_recordset("Events", records), store::Outcome::ok);
+        EventInput in;
+        new_event_defaults(in);
+        const std::pair<int, const char*> cells[] = {
+            {col::surname, "Einstein"}, {col::firstname, "Albert"},
+            {col::event, "Birth"},      {col::place, "Ulm"},
+            {col::day, "14"},           {col::month, "3"},
+            {col::year, "1879"},        {col::hours, "11"},
+            {col::mins, "30"},          {col::lz, "L"},
+            {col::lat_deg, "48"},       {col::lat_min, "24"},
+            {col::long_deg, "10"},      {col::long_ew, "E"}};
+        for (const auto& [column, text] : cells) in.cells[static_cast<std::size_t>(column)] = text;
+        if (with_epoch) {
+            const std::pair<int, const char*> epoch[] = {
+                {col::epoch_place, "Ulm"},  {col::epoch_day, "25"},   {col::epoch_month, "6"},
+                {col::epoch_year, "1878"},  {col::epoch_hours, "9"},  {col::epoch_mins, "42"},
+                {col::epoch_lat_deg, "48"}, {col::epoch_lat_ns, "N"}, {col::epoch_long_deg, "10"},
+                {col::epoch_long_ew, "E"}};
+            for (const auto& [column, text] : epoch)
+                in.cells[static_cast<std::size_t>(column)] = text;
+            in.cells[col::epoch_exists] = "Y";
+            in.event_epoch_exists = "Y";
+        }
+        in.event_dirty = true;
+        EventTable table{records};
+        RecordingSink sink;
+        ASSERT_EQ(save_event(in, table, sink), SaveResult::saved);
+    }
+    Options stored() const {
+        return {{"db", file("People.zod.mdb")}, {"table", "Events"}, {"row", "1"}};
+    }
+};
+
+TEST_F(RenderPrenatal, DrawsABirthWithItsEpochAndTheStripsLandscape) {
+    store_birth(true);
+    Options o = stored();
+    o["page"] = "prenatal_rect";
+    o["printing"] = "";
+    o["out"] = file("strips.png");
+    o["width"] = "700";
+    ASSERT_EQ(command_render(o), 0);
+    QImage strips;
+    ASSERT_TRUE(strips.load(QString::fromStdString(file("strips.png"))));
+    EXPECT_GT(strips.width(), strips.height()); // the sheet is turned
+    for (const char* page : {"prenatal1", "plan display"}) {
+        o = stored();
+        o["page"] = page;
+        o["out"] = file("page.png");
+        o["width"] = "640";
+        ASSERT_EQ(command_render(o), 0) << page;
+        QImage image;
+        ASSERT_TRUE(image.load(QString::fromStdString(file("page.png")))) << page;
+        EXPECT_EQ(image.width(), 640) << page;
+    }
+}
+
+TEST_F(RenderPrenatal, AnEventWithoutAnEpochGetsTheSelectedOne) {
+    store_birth(false);
+    const Options inline_birth = {{"date", "1946-06-14"}, {"time", "10:54:00"}, {"zone", "EST"},
+                                  {"lat", "40N42"},       {"lon", "74W00"},     {"months", "9"}};
+    for (Options o : {stored(), inline_birth}) {
+        o["page"] = "lem_prenatal3dwith";
+        o["out"] = file("x.png");
+        EXPECT_EQ(command_render(o), 0);
+        EXPECT_TRUE(std::filesystem::exists(file("x.png")));
+        std::filesystem::remove(file("x.png"));
+    }
+    // The epoch options are read strictly.
+    for (const auto& [option, value] : {std::pair{"months", "5"}, std::pair{"month", "lunar"}}) {
+        Options o = inline_birth;
+        o["page"] = "prenatal1";
+        o["out"] = file("x.png");
+        o[option] = value;
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(command_render(o), 2) << option;
+        EXPECT_NE(::testing::internal::GetCapturedStderr().find(std::string("--") + option),
+                  std::string::npos);
+        EXPECT_FALSE(std::filesystem::exists(file("x.png")));
+    }
+}
+
+} // namespace
+} // namespace celestark::cli
