@@ -260,18 +260,22 @@ std::string event_store_caption(const Session& s) {
     return table.empty() ? db : db + " - " + table;
 }
 
+bool active_event_present(const Session& s, MessageSink& sink) {
+    const int active = s.event_slots.active_event;
+    if (!slot_is_empty(s.event_slots[active])) return true;
+    sink.message("NO EVENT",
+                 "Event " + std::to_string(active) +
+                     " holds no event. Enter one with the event window, or copy one from the "
+                     "search window.",
+                 MessageIcon::information);
+    return false;
+}
+
 bool chart_request(Session& s, const ChartCommand& command, MessageSink& sink) {
     EventSlots& slots = s.event_slots;
     const int active = slots.active_event;
     int row = active;
-    if (slot_is_empty(slots[active])) {
-        sink.message("NO EVENT",
-                     "Event " + std::to_string(active) +
-                         " holds no event. Enter one with the event window, or "
-                         "copy one from the search window.",
-                     MessageIcon::information);
-        return false;
-    }
+    if (!active_event_present(s, sink)) return false;
     int epoch_row = 0;
     if (command.events != CommandEvents::active) {
         if (trim(slots[active][col::epoch_exists]) != "Y") {

@@ -72,6 +72,9 @@ bool choose_option(Session& s, const std::string& control, const std::string& en
 // capitals.
 std::string event_store_caption(const Session& s);
 
+// Whether the active card holds an event; when it does not, the box says how to put one there.
+bool active_event_present(const Session& s, MessageSink& sink);
+
 // A chart command: the slot it draws (the active one, or its epoch), the page and the world view
 // go to the drawing values; stepping is allowed and the shown event is copied to the work row
 // that stepping changes. A prenatal chart draws the active slot with its epoch row as the outer

@@ -1,6 +1,7 @@
 #include "screens/epoch_window.h"
 
 #include "engine/epoch.h"
+#include "screens/chart_commands.h"
 #include "screens/event_checks.h"
 #include "screens/event_input.h"
 #include "session/session.h"
@@ -34,14 +35,7 @@ const std::vector<BirthTimeStep>& birth_time_steps() {
 bool EpochWindows::start(Session& s, MessageSink& sink) {
     const int active = s.event_slots.active_event;
     const EventRow& row = s.event_slots[active];
-    if (slot_is_empty(row)) {
-        sink.message("NO EVENT",
-                     "Event " + std::to_string(active) +
-                         " holds no event. Enter one with the event window, or copy one from "
-                         "the search window.",
-                     MessageIcon::information);
-        return false;
-    }
+    if (!active_event_present(s, sink)) return false;
     if (trim(row[col::event]) != "Birth") {
         sink.message("NOT A BIRTH",
                      "Only a birth has a prenatal epoch: the kind of Event " +

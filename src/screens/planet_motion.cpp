@@ -1,6 +1,7 @@
 #include "screens/planet_motion.h"
 
 #include "engine/table_bodies.h"
+#include "screens/chart_commands.h"
 #include "session/calendar.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
@@ -129,14 +130,7 @@ std::vector<std::string> motion_errors(const MotionInput& input, const std::stri
 bool motion_request(Session& s, const MotionInput& input, MotionView view, MessageSink& sink) {
     EventSlots& slots = s.event_slots;
     const int active = slots.active_event;
-    if (slot_is_empty(slots[active])) {
-        sink.message("NO EVENT",
-                     "Event " + std::to_string(active) +
-                         " holds no event. Enter one with the event window, or "
-                         "copy one from the search window.",
-                     MessageIcon::information);
-        return false;
-    }
+    if (!active_event_present(s, sink)) return false;
     const std::string calendar = trim(slots[active][col::gj]) == "J" ? "J" : "G";
     // The run reads the outer planets' table, which ends the session outside its dates: a
     // month's margin within them for the light time.

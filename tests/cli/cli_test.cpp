@@ -4,9 +4,7 @@
 #include "event_options.h"
 #include "render.h"
 
-#include "../store/store_test_support.h"
-#include "screens/event_input.h"
-#include "store/event_schema.h"
+#include "cli_support.h"
 
 #include <QFile>
 #include <QImage>
@@ -82,26 +80,20 @@ class Render : public ::testing::Test {
 
     // An event table with one stored birth.
     void store_event() {
-        store::TableStore db;
-        ASSERT_EQ(db.create(dir.file("People.zod.mdb")), store::Outcome::ok);
-        ASSERT_EQ(
-            db.create_table("Events", store::event_table_fields(), store::event_table_indexes()),
-            store::Outcome::ok);
-        store::Recordset records;
-        ASSERT_EQ(db.open_recordset("Events", records), store::Outcome::ok);
-        EventInput in;
-        new_event_defaults(in);
-        const std::pair<int, const char*> cells[] = {
-            {col::surname, "Curie"}, {col::firstname, "Marie"}, {col::event, "Birth"},
-            {col::place, "Warsaw"},  {col::day, "7"},           {col::month, "11"},
-            {col::year, "1867"},     {col::hours, "12"},        {col::lz, "L"},
-            {col::lat_deg, "52"},    {col::lat_min, "14"},      {col::long_deg, "21"},
-            {col::long_ew, "E"},     {col::long_min, "1"}};
-        for (const auto& [column, text] : cells) in.cells[static_cast<std::size_t>(column)] = text;
-        in.event_dirty = true;
-        EventTable table{records};
-        RecordingSink sink;
-        ASSERT_EQ(save_event(in, table, sink), SaveResult::saved);
+        testing::store_one_event(dir.file("People.zod.mdb"), {{col::surname, "Curie"},
+                                                              {col::firstname, "Marie"},
+                                                              {col::event, "Birth"},
+                                                              {col::place, "Warsaw"},
+                                                              {col::day, "7"},
+                                                              {col::month, "11"},
+                                                              {col::year, "1867"},
+                                                              {col::hours, "12"},
+                                                              {col::lz, "L"},
+                                                              {col::lat_deg, "52"},
+                                                              {col::lat_min, "14"},
+                                                              {col::long_deg, "21"},
+                                                              {col::long_ew, "E"},
+                                                              {col::long_min, "1"}});
     }
 };
 

@@ -4,9 +4,7 @@
 #include "event_options.h"
 #include "render.h"
 
-#include "../store/store_test_support.h"
-#include "screens/event_input.h"
-#include "store/event_schema.h"
+#include "cli_support.h"
 
 #include <QImage>
 
@@ -24,39 +22,26 @@ class RenderPrenatal : public ::testing::Test {
 
     // An event table with one stored birth and, when asked, its epoch.
     void store_birth(bool with_epoch) {
-        store::TableStore db;
-        ASSERT_EQ(db.create(dir.file("People.zod.mdb")), store::Outcome::ok);
-        ASSERT_EQ(
-            db.create_table("Events", store::event_table_fields(), store::event_table_indexes()),
-            store::Outcome::ok);
-        store::Recordset records;
-        ASSERT_EQ(db.open_recordset("Events", records), store::Outcome::ok);
-        EventInput in;
-        new_event_defaults(in);
-        const std::pair<int, const char*> cells[] = {
-            {col::surname, "Einstein"}, {col::firstname, "Albert"},
-            {col::event, "Birth"},      {col::place, "Ulm"},
-            {col::day, "14"},           {col::month, "3"},
-            {col::year, "1879"},        {col::hours, "11"},
-            {col::mins, "30"},          {col::lz, "L"},
-            {col::lat_deg, "48"},       {col::lat_min, "24"},
-            {col::long_deg, "10"},      {col::long_ew, "E"}};
-        for (const auto& [column, text] : cells) in.cells[static_cast<std::size_t>(column)] = text;
-        if (with_epoch) {
-            const std::pair<int, const char*> epoch[] = {
-                {col::epoch_place, "Ulm"},  {col::epoch_day, "25"},   {col::epoch_month, "6"},
-                {col::epoch_year, "1878"},  {col::epoch_hours, "9"},  {col::epoch_mins, "42"},
-                {col::epoch_lat_deg, "48"}, {col::epoch_lat_ns, "N"}, {col::epoch_long_deg, "10"},
-                {col::epoch_long_ew, "E"}};
-            for (const auto& [column, text] : epoch)
-                in.cells[static_cast<std::size_t>(column)] = text;
-            in.cells[col::epoch_exists] = "Y";
-            in.event_epoch_exists = "Y";
-        }
-        in.event_dirty = true;
-        EventTable table{records};
-        RecordingSink sink;
-        ASSERT_EQ(save_event(in, table, sink), SaveResult::saved);
+        testing::Cells cells = {{col::surname, "Einstein"}, {col::firstname, "Albert"},
+                                {col::event, "Birth"},      {col::place, "Ulm"},
+                                {col::day, "14"},           {col::month, "3"},
+                                {col::year, "1879"},        {col::hours, "11"},
+                                {col::mins, "30"},          {col::lz, "L"},
+                                {col::lat_deg, "48"},       {col::lat_min, "24"},
+                                {col::long_deg, "10"},      {col::long_ew, "E"}};
+        if (with_epoch)
+            cells.insert(cells.end(), {{col::epoch_place, "Ulm"},
+                                       {col::epoch_day, "25"},
+                                       {col::epoch_month, "6"},
+                                       {col::epoch_year, "1878"},
+                                       {col::epoch_hours, "9"},
+                                       {col::epoch_mins, "42"},
+                                       {col::epoch_lat_deg, "48"},
+                                       {col::epoch_lat_ns, "N"},
+                                       {col::epoch_long_deg, "10"},
+                                       {col::epoch_long_ew, "E"},
+                                       {col::epoch_exists, "Y"}});
+        testing::store_one_event(dir.file("People.zod.mdb"), cells);
     }
     Options stored() const {
         return {{"db", file("People.zod.mdb")}, {"table", "Events"}, {"row", "1"}};

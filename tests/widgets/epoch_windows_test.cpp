@@ -14,33 +14,9 @@
 namespace celestark::testing {
 namespace {
 
-void put_einstein(Session& s) {
-    EventRow& row = s.event_slots[1];
-    row = make_default_event();
-    const std::pair<int, const char*> cells[] = {{col::surname, "Einstein"},
-                                                 {col::firstname, "Albert"},
-                                                 {col::event, "Birth"},
-                                                 {col::place, "Ulm"},
-                                                 {col::day, "14"},
-                                                 {col::month, "3"},
-                                                 {col::year, "1879"},
-                                                 {col::gj, "G"},
-                                                 {col::hours, "11"},
-                                                 {col::mins, "30"},
-                                                 {col::lz, "L"},
-                                                 {col::lat_deg, "48"},
-                                                 {col::lat_min, "24"},
-                                                 {col::long_deg, "10"},
-                                                 {col::long_ew, "E"},
-                                                 {col::long_min, "0"},
-                                                 {col::epoch_exists, "N"}};
-    for (const auto& [column, text] : cells) row[static_cast<std::size_t>(column)] = text;
-    s.event_slots.active_event = 1;
-}
-
 TEST(EpochWindows, FromTheCommandToAStoredEpoch) {
     DesktopSession ds;
-    put_einstein(ds.s);
+    put_einstein(ds.s, 1);
     ds.desktop->refresh_chart_window();
     ds.press("calculate_epoch"); // the main window's command
     auto* options = ds.find<QWidget>("Epoch_options");
@@ -101,7 +77,7 @@ TEST(EpochWindows, FromTheCommandToAStoredEpoch) {
 
 TEST(EpochWindows, OnlyABirthOpensTheOptions) {
     DesktopSession ds;
-    put_einstein(ds.s);
+    put_einstein(ds.s, 1);
     ds.s.event_slots[1][col::event] = "Marriage";
     ds.press("calculate_epoch");
     EXPECT_EQ(ds.folder.sink.messages.back().title, "NOT A BIRTH");

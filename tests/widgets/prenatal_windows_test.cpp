@@ -10,18 +10,15 @@
 namespace celestark::testing {
 namespace {
 
+// Einstein's birth in card 1, with an epoch when asked.
 void put_birth(Session& s, bool with_epoch) {
+    put_einstein(s, 1);
     EventRow& row = s.event_slots[1];
-    row = make_default_event();
-    const std::pair<int, const char*> cells[] = {
-        {col::surname, "Einstein"}, {col::event, "Birth"},      {col::day, "14"},
-        {col::month, "3"},          {col::year, "1879"},        {col::gj, "G"},
-        {col::hours, "11"},         {col::mins, "30"},          {col::lz, "L"},
-        {col::lat_deg, "48"},       {col::long_deg, "10"},      {col::long_ew, "E"},
-        {col::epoch_day, "25"},     {col::epoch_month, "6"},    {col::epoch_year, "1878"},
-        {col::epoch_hours, "9"},    {col::epoch_lat_deg, "48"}, {col::epoch_long_deg, "10"},
+    const std::pair<int, const char*> epoch[] = {
+        {col::epoch_day, "25"},   {col::epoch_month, "6"},    {col::epoch_year, "1878"},
+        {col::epoch_hours, "9"},  {col::epoch_lat_deg, "48"}, {col::epoch_long_deg, "10"},
         {col::epoch_long_ew, "E"}};
-    for (const auto& [column, text] : cells) row[static_cast<std::size_t>(column)] = text;
+    for (const auto& [column, text] : epoch) row[static_cast<std::size_t>(column)] = text;
     row[col::epoch_exists] = with_epoch ? "Y" : "N";
 }
 
