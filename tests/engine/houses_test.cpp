@@ -101,26 +101,6 @@ TEST(HousesReference, KochLeavesOutTheArcsine) {
     }
 }
 
-TEST(HousesReference, CampanusStartsOffTheQuadrantPoints) {
-    const double r = 1.1, f = 52 * deg_to_rad, e = 23.44 * deg_to_rad;
-    const Houses h = compute_houses(sky_at(r * rad_to_deg, 52, 23.44), plain("Campanus"));
-    const auto campanus = [&](int i, double first) {
-        const double b = (first + 30.0 * i) * deg_to_rad;
-        const double p = std::atan2(std::sin(b) * std::cos(f), std::cos(b));
-        return rad_to_deg *
-               std::atan2(std::sin(r + p),
-                          std::cos(r + p) * std::cos(e) - std::sin(p) * std::tan(f) * std::sin(e));
-    };
-    double offset = 0;
-    for (int i : {2, 3, 5, 6, 8, 9, 11, 12}) {
-        const double cusp = h.cusps[static_cast<std::size_t>(i)];
-        EXPECT_LT(off_deg(cusp, campanus(i, 60.000001)), 1e-9);
-        offset = std::max(offset, off_deg(cusp, campanus(i, 60)));
-    }
-    EXPECT_GT(offset, 1e-8);
-    EXPECT_LT(offset, 1e-5);
-}
-
 TEST(HousesPolar, OnlyTheNorthFallsBack) {
     const double eps = 23.44;
     const struct {

@@ -1,6 +1,7 @@
 // The logic of the main chart window and the chart window: cards, commands, option lists, time
 // steps and walking the table.
 #include "../store/program_folder.h"
+#include "../support/events.h"
 
 #include "screens/chart_commands.h"
 #include "screens/event_input.h"
@@ -16,19 +17,13 @@ class ChartCommands : public ::testing::Test {
     Session s;
     void SetUp() override { ASSERT_TRUE(folder.start(s).started); }
 
-    // Stores an event in the open table and returns its input.
-    void store(const char* surname, const char* day, const char* month, const char* year) {
-        EventInput in;
-        new_event_defaults(in);
-        in.cells[col::surname] = surname;
-        in.cells[col::firstname] = "Test";
-        in.cells[col::place] = "Here";
-        in.cells[col::day] = day;
-        in.cells[col::month] = month;
-        in.cells[col::year] = year;
-        in.cells[col::hours] = "12";
-        in.cells[col::lz] = "L";
-        in.event_dirty = true;
+    // Stores an event of 1 January of the year in the open table.
+    void store(const char* surname, const char* year) {
+        const EventCells cells = {{col::surname, surname}, {col::firstname, "Test"},
+                                  {col::place, "Here"},    {col::day, "1"},
+                                  {col::month, "1"},       {col::year, year},
+                                  {col::hours, "12"},      {col::lz, "L"}};
+        EventInput in = new_input(cells);
         EventTable table{s.stores->event_table};
         ASSERT_EQ(save_event(in, table, folder.sink), SaveResult::saved);
     }
@@ -143,9 +138,9 @@ TEST_F(ChartCommands, CardsShowTheSlotAndRemovingTheEpochKeepsTheEvent) {
 
 // Walking goes row by row in the table's order and stops at the end with the last row shown.
 TEST_F(ChartCommands, WalkingTheTableStopsAtItsEnd) {
-    store("Alpha", "1", "1", "1990");
-    store("Beta", "1", "1", "1991");
-    store("Gamma", "1", "1", "1992");
+    store("Alpha", "1990");
+    store("Beta", "1991");
+    store("Gamma", "1992");
     AspectPattern none;
     ASSERT_EQ(walk_table(s, true, none, folder.sink), WalkResult::moved);
     EXPECT_EQ(s.event_slots[1][col::surname], "Alpha");

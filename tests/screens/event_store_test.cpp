@@ -1,57 +1,36 @@
+// Saving events from the input screen into an event table, and loading stored rows into slots.
+#include "../store/store_test_support.h"
+#include "../support/events.h"
 #include "screens/event_input.h"
 #include "store/event_schema.h"
-#include "store/table_store.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <filesystem>
-#include <unistd.h>
 
 namespace celestark {
 namespace {
 
-namespace fs = std::filesystem;
 using store::Outcome;
 
 class EventStoreTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        static std::atomic<int> serial{0};
-        dir_ = fs::temp_directory_path() /
-               ("celestark_events_" + std::to_string(::getpid()) + "_" + std::to_string(serial++));
-        fs::create_directories(dir_);
-        ASSERT_EQ(db_.create(dir_ / "Test.zod.mdb"), Outcome::ok);
+        ASSERT_EQ(db_.create(dir_.file("Test.zod.mdb")), Outcome::ok);
         ASSERT_EQ(
             db_.create_table("Events", store::event_table_fields(), store::event_table_indexes()),
             Outcome::ok);
         ASSERT_EQ(db_.open_recordset("Events", records_), Outcome::ok);
         ASSERT_EQ(records_.set_index("Name_Event"), Outcome::ok);
     }
-    void TearDown() override {
-        records_ = store::Recordset();
-        db_.close();
-        fs::remove_all(dir_);
-    }
-
     EventInput person(const char* surname, const char* firstname) {
-        EventInput in;
-        new_event_defaults(in);
-        in.cells[col::surname] = surname;
-        in.cells[col::firstname] = firstname;
-        in.cells[col::day] = "7";
-        in.cells[col::month] = "3";
-        in.cells[col::year] = "-43";
-        in.cells[col::hours] = "6";
-        in.cells[col::mins] = "5";
-        in.cells[col::secs] = "9";
-        in.event_dirty = true;
-        return in;
+        const testing::EventCells cells = {{col::surname, surname}, {col::firstname, firstname},
+                                           {col::day, "7"},         {col::month, "3"},
+                                           {col::year, "-43"},      {col::hours, "6"},
+                                           {col::mins, "5"},        {col::secs, "9"}};
+        return testing::new_input(cells);
     }
-
     std::int64_t rows() { return records_.record_count(); }
 
-    fs::path dir_;
+    store::testing::ScratchDir dir_;
     store::TableStore db_;
     store::Recordset records_;
 };
@@ -195,24 +174,6 @@ TEST_F(EventStoreTest, StoreInSlotRebuildsTheEpochRowAndRefreshes) {
     screen_to_slot(in, slots, 2, table, sink, 2, hooks);
     EXPECT_EQ(slots[18][col::event], "untouched");
     EXPECT_EQ(refreshed, 1);
-}
-
-TEST(EventInputDefaults, NewEventClearsTheScreen) {
-    EventInput in;
-    in.event_bookmark = "12";
-    in.cells[col::surname] = "Old";
-    new_event_defaults(in);
-    EXPECT_TRUE(in.event_bookmark.empty());
-    EXPECT_EQ(in.event_epoch_exists, "N");
-    EXPECT_EQ(in.cells[col::event], "Birth");
-    EXPECT_EQ(in.cells[col::surname], "");
-    EXPECT_EQ(in.cells[col::lat_deg], "0");
-    EXPECT_EQ(in.cells[col::lz], "Z");
-    EXPECT_EQ(in.cells[col::gj], "G");
-    EXPECT_EQ(in.cells[col::long_ew], "W");
-    EXPECT_EQ(in.cells[col::med_ew], "W");
-    EXPECT_EQ(in.cells[col::lat_ns], "N");
-    EXPECT_EQ(in.event_msecs, "0");
 }
 
 } // namespace

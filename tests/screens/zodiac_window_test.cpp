@@ -20,90 +20,71 @@ ZodiacWindow star_zodiac(const char* name) {
 }
 
 TEST(ZodiacWindow, ChecksStopAtTheFirstFaultInOrder) {
+    using W = ZodiacWindow;
     struct Case {
-        void (*edit)(ZodiacWindow&);
+        std::vector<std::pair<std::string W::*, const char*>> edits;
         const char* field;
         const char* first_line;
     };
+    const auto epoch = [](const char* day, const char* month, const char* year, const char* gj) {
+        return std::vector<std::pair<std::string W::*, const char*>>{{&W::z_defined, "Epoch"},
+                                                                     {&W::z_day, day},
+                                                                     {&W::z_month, month},
+                                                                     {&W::z_year, year},
+                                                                     {&W::z_gj, gj}};
+    };
     const Case cases[] = {
-        {[](ZodiacWindow& w) { w.z_defined = "  "; }, "z_defined",
+        {{{&W::z_defined, "  "}},
+         "z_defined",
          "ZODIAC DEFINED BY FIELD - Cannot be left blank or with only spaces"},
-        {[](ZodiacWindow& w) {
-             w.z_defined = "Planet";
-             w.z_name = "";
-         },
-         "z_defined", "ZODIAC can only be DEFINED by either 'Star' or 'Epoch'"},
-        {[](ZodiacWindow& w) { w.z_constellation = ""; }, "z_constellation",
+        {{{&W::z_defined, "Planet"}, {&W::z_name, ""}},
+         "z_defined",
+         "ZODIAC can only be DEFINED by either 'Star' or 'Epoch'"},
+        {{{&W::z_constellation, ""}},
+         "z_constellation",
          "CONSTELLATION type field - Cannot be left blank or with only spaces"},
-        {[](ZodiacWindow& w) { w.z_constellation = "Odd"; }, "z_constellation",
+        {{{&W::z_constellation, "Odd"}},
+         "z_constellation",
          "CONSTELLATION TYPE can only be 'Equal' or 'Unequal'"},
-        {[](ZodiacWindow& w) {
-             w.z_name = " ";
-             w.z_deg = "x";
-         },
-         "z_name", "ZODIAC NAME - Cannot be left blank or with only spaces"},
-        {[](ZodiacWindow& w) { w.z_deg = "181"; }, "z_deg",
+        {{{&W::z_name, " "}, {&W::z_deg, "x"}},
+         "z_name",
+         "ZODIAC NAME - Cannot be left blank or with only spaces"},
+        {{{&W::z_deg, "181"}},
+         "z_deg",
          "DEGREES OF LONGITUDE - Invalid entry - Must be a number between 0 and 180"},
-        {[](ZodiacWindow& w) { w.z_min = "60"; }, "z_min",
+        {{{&W::z_min, "60"}},
+         "z_min",
          "MINUTES OF LONGITUDE - Invalid entry - Must be a number between 0 and 59"},
-        {[](ZodiacWindow& w) { w.z_sec = "4.5"; }, "z_sec",
+        {{{&W::z_sec, "4.5"}},
+         "z_sec",
          "SECONDS OF LONGITUDE - Invalid entry - Must be a number between 0 and 59"},
-        {[](ZodiacWindow& w) { w.z_star = ""; }, "z_star",
+        {{{&W::z_star, ""}},
+         "z_star",
          "STAR NAME FIELD - Cannot be left blank or with only spaces"},
-        {[](ZodiacWindow& w) { w.z_star = "Sirius"; }, "z_star",
+        {{{&W::z_star, "Sirius"}},
+         "z_star",
          "Illegal star name. Only those in the drop down list are valid"},
-        {[](ZodiacWindow& w) {
-             w.z_defined = "Epoch";
-             w.z_day = "32";
-         },
-         "z_day", "DAY OF THE MONTH -  Invalid entry"},
-        {[](ZodiacWindow& w) {
-             w.z_defined = "Epoch";
-             w.z_day = "1";
-             w.z_month = "0";
-         },
-         "z_month", "MONTH OF THE YEAR - Invalid entry"},
-        {[](ZodiacWindow& w) {
-             w.z_defined = "Epoch";
-             w.z_day = "1";
-             w.z_month = "2";
-             w.z_year = "";
-         },
-         "z_year", "YEAR - Cannot be left blank or with only spaces "},
-        {[](ZodiacWindow& w) {
-             w.z_defined = "Epoch";
-             w.z_day = "1";
-             w.z_month = "2";
-             w.z_year = "-35";
-             w.z_gj = "X";
-         },
-         "z_gj", "GREGORIAN/JULIAN DATE - 'G' or 'J' are the only valid entries"},
-        {[](ZodiacWindow& w) {
-             w.z_defined = "Epoch";
-             w.z_day = "29";
-             w.z_month = "2";
-             w.z_year = "1900";
-             w.z_gj = "G";
-         },
-         "z_day", "DATE - Invalid number of days for the month"},
-        {[](ZodiacWindow& w) {
-             w.z_constellation = "Unequal";
-             w.z_degs.fill("0");
-             w.z_mins.fill("0");
-             w.z_mins[3] = " ";
-         },
-         "z_mins", "CANCER MINUTES - Cannot be left blank or with only spaces"},
-        {[](ZodiacWindow& w) {
-             w.z_constellation = "Unequal";
-             w.z_degs.fill("0");
-             w.z_mins.fill("0");
-             w.z_degs[11] = "";
-         },
-         "z_degs", "PISCES DEGREES - Cannot be left blank or with only spaces"},
+        {epoch("32", "", "", ""), "z_day", "DAY OF THE MONTH -  Invalid entry"},
+        {epoch("1", "0", "", ""), "z_month", "MONTH OF THE YEAR - Invalid entry"},
+        {epoch("1", "2", "", ""), "z_year", "YEAR - Cannot be left blank or with only spaces "},
+        {epoch("1", "2", "-35", "X"), "z_gj",
+         "GREGORIAN/JULIAN DATE - 'G' or 'J' are the only valid entries"},
+        {epoch("29", "2", "1900", "G"), "z_day", "DATE - Invalid number of days for the month"},
+        {{{&W::z_constellation, "Unequal"}},
+         "z_mins",
+         "CANCER MINUTES - Cannot be left blank or with only spaces"},
+        {{{&W::z_constellation, "Unequal"}},
+         "z_degs",
+         "PISCES DEGREES - Cannot be left blank or with only spaces"},
     };
     for (const Case& c : cases) {
         ZodiacWindow w = star_zodiac("Mine");
-        c.edit(w);
+        for (const auto& [field, text] : c.edits) w.*field = text;
+        // The boundaries of an unequal zodiac, one of them blank.
+        w.z_degs.fill("0");
+        w.z_mins.fill("0");
+        if (std::string(c.field) == "z_mins") w.z_mins[3] = " ";
+        if (std::string(c.field) == "z_degs") w.z_degs[11] = "";
         RecordingSink sink;
         const ZodiacCheck check = check_zodiac_window(w, sink);
         EXPECT_FALSE(check.ok) << c.first_line;
@@ -113,11 +94,7 @@ TEST(ZodiacWindow, ChecksStopAtTheFirstFaultInOrder) {
     }
     // The year's fault brings its two hint lines; 29 February 1900 is fine on the Julian calendar.
     ZodiacWindow w = star_zodiac("Mine");
-    w.z_defined = "Epoch";
-    w.z_day = "29";
-    w.z_month = "2";
-    w.z_year = "1900";
-    w.z_gj = "J";
+    for (const auto& [field, text] : epoch("29", "2", "1900", "J")) w.*field = text;
     RecordingSink sink;
     EXPECT_TRUE(check_zodiac_window(w, sink).ok);
     EXPECT_EQ(w.z_star, " ");

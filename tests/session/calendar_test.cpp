@@ -163,11 +163,5 @@ TEST(Interpolation, FivePointIsExactForQuartics) {
         EXPECT_NEAR(interpolate5(n, f(-2), f(-1), f(0), f(1), f(2)), f(n), 1e-12) << n;
 }
 
-TEST(Precession, GeneralPrecessionInDegrees) {
-    EXPECT_DOUBLE_EQ(general_precession(0.0), 0.0);
-    EXPECT_NEAR(general_precession(1.0), 1.3960011 + 0.000616667 / 2, 1e-12);
-    EXPECT_NEAR(general_precession(-1.0), -1.3960011 + 0.000616667 / 2, 1e-12);
-}
-
 } // namespace
 } // namespace celestark

@@ -51,14 +51,6 @@ TEST_F(People, OrderByIndexThenRowid) {
     ASSERT_EQ(rs.set_index("BY_NAME"), Outcome::ok);
     EXPECT_EQ(rs.index_name(), "by_name");
     EXPECT_EQ(all_n(), (std::vector<Value>{2, 6, 5, 1, 3, 4}));
-    ASSERT_EQ(rs.move_last(), Outcome::ok);
-    std::vector<Value> back;
-    while (rs.has_current()) {
-        back.push_back(rs.get("n"));
-        rs.move_previous();
-    }
-    EXPECT_EQ(back, (std::vector<Value>{4, 3, 1, 5, 6, 2}));
-    EXPECT_TRUE(rs.bof());
     EXPECT_EQ(rs.set_index("nope"), Outcome::no_such_index);
     EXPECT_EQ(rs.index_name(), "by_name");
 }
@@ -232,21 +224,13 @@ TEST_F(People, DeleteLeavesNoCurrentRowThenMovesOn) {
     EXPECT_EQ(all_n(), (std::vector<Value>{2, 6, 5, 4}));
 }
 
-TEST_F(People, RowsChangedThroughAnotherRecordset) {
+// The current row edited through another recordset: its new values are read, and moves go on from
+// its new key. (Rows added and deleted elsewhere are the model test's below.)
+TEST_F(People, TheCurrentRowEditedThroughAnotherRecordset) {
     Recordset other;
     ASSERT_EQ(store.open_recordset("people", other), Outcome::ok);
     ASSERT_EQ(rs.set_index("by_name"), Outcome::ok);
-    ASSERT_EQ(rs.seek("=", {"b", "a"}), Outcome::ok); // n 5; next would be 1
-    ASSERT_EQ(add_row(other, {{"last", "b"}, {"first", "c"}, {"n", 9}}), Outcome::ok);
-    ASSERT_EQ(add_row(other, {{"last", "a"}, {"first", "a"}, {"n", 10}}), Outcome::ok);
-    ASSERT_EQ(other.go_to("1"), Outcome::ok);
-    ASSERT_EQ(other.delete_row(), Outcome::ok);
-    ASSERT_EQ(rs.move_next(), Outcome::ok);
-    EXPECT_EQ(n(), 9); // added after the current row: met
-    ASSERT_EQ(rs.move_next(), Outcome::ok);
-    EXPECT_EQ(n(), 3); // deleted: skipped
-
-    // The current row edited elsewhere: its new values are read, and moves go on from its new key.
+    ASSERT_EQ(rs.seek("=", {"b", "x"}), Outcome::ok); // n 1
     ASSERT_EQ(other.go_to(rs.bookmark()), Outcome::ok);
     ASSERT_EQ(other.edit(), Outcome::ok);
     ASSERT_EQ(other.set("last", "a"), Outcome::ok);
@@ -256,15 +240,7 @@ TEST_F(People, RowsChangedThroughAnotherRecordset) {
     EXPECT_EQ(n(), 2);
     ASSERT_EQ(rs.move_previous(), Outcome::ok);
     EXPECT_EQ(rs.get("last"), Value("a"));
-    EXPECT_EQ(n(), 3);
-    rs.move_next();
-
-    // The current row deleted elsewhere: no current row; the next move goes on from where it was.
-    ASSERT_EQ(other.go_to(rs.bookmark()), Outcome::ok);
-    ASSERT_EQ(other.delete_row(), Outcome::ok);
-    EXPECT_EQ(rs.get("n").outcome(), Outcome::no_current_record);
-    ASSERT_EQ(rs.move_next(), Outcome::ok);
-    EXPECT_EQ(n(), 6);
+    EXPECT_EQ(n(), 1);
 }
 
 TEST_F(People, FieldsByName) {
@@ -327,13 +303,21 @@ TEST_F(People, FieldsFirstReadPartWayThroughAWalk) {
     EXPECT_EQ(third.get("first"), Value("a"));
 }
 
-TEST(RecordsetEmpty, EmptyTableHasNoCurrentRow) {
+// A new store with the one table "t".
+class OneTable : public ::testing::Test {
+  protected:
+    void make(const std::vector<FieldDef>& fields, const std::vector<IndexDef>& indexes = {}) {
+        ASSERT_EQ(store.create(dir.file("t.mdb")), Outcome::ok);
+        ASSERT_EQ(store.create_table("t", fields, indexes), Outcome::ok);
+        ASSERT_EQ(store.open_recordset("t", rs), Outcome::ok);
+    }
     ScratchDir dir;
     TableStore store;
-    ASSERT_EQ(store.create(dir.file("empty.mdb")), Outcome::ok);
-    ASSERT_EQ(store.create_table("t", people_fields, {{{"k", {"n"}, false, false}}}), Outcome::ok);
     Recordset rs;
-    ASSERT_EQ(store.open_recordset("t", rs), Outcome::ok);
+};
+
+TEST_F(OneTable, AnEmptyTableHasNoCurrentRow) {
+    make(people_fields, {{"k", {"n"}, false, false}});
     EXPECT_TRUE(rs.eof());
     EXPECT_TRUE(rs.bof());
     EXPECT_EQ(rs.move_first(), Outcome::no_current_record);
@@ -348,14 +332,8 @@ TEST(RecordsetEmpty, EmptyTableHasNoCurrentRow) {
     EXPECT_EQ(rs.seek("<", {5}), Outcome::not_found);
 }
 
-TEST(RecordsetNulls, NullsSortFirstAndAreReached) {
-    ScratchDir dir;
-    TableStore store;
-    ASSERT_EQ(store.create(dir.file("nulls.mdb")), Outcome::ok);
-    ASSERT_EQ(store.create_table("t", people_fields, {{{"k", {"last", "first"}, false, false}}}),
-              Outcome::ok);
-    Recordset rs;
-    ASSERT_EQ(store.open_recordset("t", rs), Outcome::ok);
+TEST_F(OneTable, NullsSortFirstAndAreReached) {
+    make(people_fields, {{"k", {"last", "first"}, false, false}});
     // Index order: (null,null) 2, (null,null) 4, (a,null) 5, (a,x) 3, (m,null) 6, (m,x) 1.
     const std::vector<std::pair<Value, Value>> rows = {{"m", "x"},     {Value(), Value()},
                                                        {"a", "x"},     {Value(), Value()},
@@ -392,20 +370,14 @@ TEST(RecordsetNulls, NullsSortFirstAndAreReached) {
     }
 }
 
-TEST(RecordsetTypes, ValuesBecomeTheFieldsType) {
-    ScratchDir dir;
-    TableStore store;
-    ASSERT_EQ(store.create(dir.file("types.mdb")), Outcome::ok);
+TEST_F(OneTable, ValuesBecomeTheFieldsType) {
     const std::vector<FieldDef> fields = {
         {"t", FieldType::text, 3},    {"m", FieldType::memo, 0},
         {"f", FieldType::boolean, 0}, {"b", FieldType::byte, 0},
         {"i", FieldType::integer, 0}, {"l", FieldType::long_integer, 0},
         {"s", FieldType::single, 0},  {"d", FieldType::double_precision, 0},
-        {"w", FieldType::date, 0},
-    };
-    ASSERT_EQ(store.create_table("t", fields), Outcome::ok);
-    Recordset rs;
-    ASSERT_EQ(store.open_recordset("t", rs), Outcome::ok);
+        {"w", FieldType::date, 0}};
+    make(fields);
     struct Case {
         const char* field;
         Value in;
@@ -464,15 +436,11 @@ TEST(RecordsetTypes, ValuesBecomeTheFieldsType) {
 
 // Random adds, deletes, seeks and steps, checked against an ordered model of the table: every
 // move must land on the row the order says, however the rows changed since the last one.
-TEST(RecordsetModel, StepsStayInOrderWhileRowsChange) {
-    ScratchDir dir;
-    TableStore store;
-    ASSERT_EQ(store.create(dir.file("model.mdb")), Outcome::ok);
-    const std::vector<FieldDef> fields = {{"k", FieldType::integer, 0},
-                                          {"v", FieldType::long_integer, 0}};
-    ASSERT_EQ(store.create_table("t", fields, {{{"by_k", {"k"}, false, false}}}), Outcome::ok);
-    Recordset walker, writer;
-    ASSERT_EQ(store.open_recordset("t", walker), Outcome::ok);
+TEST_F(OneTable, StepsStayInOrderWhileRowsChange) {
+    make({{"k", FieldType::integer, 0}, {"v", FieldType::long_integer, 0}},
+         {{"by_k", {"k"}, false, false}});
+    Recordset& walker = rs;
+    Recordset writer;
     ASSERT_EQ(store.open_recordset("t", writer), Outcome::ok);
     ASSERT_EQ(walker.set_index("by_k"), Outcome::ok);
 

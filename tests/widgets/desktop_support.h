@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../store/program_folder.h"
+#include "../support/events.h"
 #include "screens/widgets/chart_display.h"
 #include "screens/widgets/chart_window.h"
 #include "screens/widgets/desktop.h"
@@ -21,31 +22,6 @@
 #include <string>
 
 namespace celestark::testing {
-
-// Einstein's birth in a card, which becomes the active one.
-inline void put_einstein(Session& s, int slot) {
-    EventRow& row = s.event_slots[slot];
-    row = make_default_event();
-    const std::pair<int, const char*> cells[] = {{col::surname, "Einstein"},
-                                                 {col::firstname, "Albert"},
-                                                 {col::event, "Birth"},
-                                                 {col::place, "Ulm"},
-                                                 {col::day, "14"},
-                                                 {col::month, "3"},
-                                                 {col::year, "1879"},
-                                                 {col::gj, "G"},
-                                                 {col::hours, "11"},
-                                                 {col::mins, "30"},
-                                                 {col::lz, "L"},
-                                                 {col::lat_deg, "48"},
-                                                 {col::lat_min, "24"},
-                                                 {col::long_deg, "10"},
-                                                 {col::long_ew, "E"},
-                                                 {col::long_min, "0"},
-                                                 {col::epoch_exists, "N"}};
-    for (const auto& [column, text] : cells) row[static_cast<std::size_t>(column)] = text;
-    s.event_slots.active_event = static_cast<std::int16_t>(slot);
-}
 
 class DesktopSession {
   public:

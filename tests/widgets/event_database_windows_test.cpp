@@ -201,18 +201,11 @@ TEST_F(EventDatabaseWindows, AFileThatIsNoDatabaseIsReportedAndNotChosen) {
 
 EventInput person(const char* surname, const char* firstname, const char* event, const char* place,
                   const char* day, const char* month, const char* year) {
-    EventInput in;
-    new_event_defaults(in);
-    in.cells[col::surname] = surname;
-    in.cells[col::firstname] = firstname;
-    in.cells[col::event] = event;
-    in.cells[col::place] = place;
-    in.cells[col::day] = day;
-    in.cells[col::month] = month;
-    in.cells[col::year] = year;
-    in.cells[col::hours] = "12";
-    in.event_dirty = true;
-    return in;
+    const EventCells cells = {{col::surname, surname}, {col::firstname, firstname},
+                              {col::event, event},     {col::place, place},
+                              {col::day, day},         {col::month, month},
+                              {col::year, year},       {col::hours, "12"}};
+    return new_input(cells);
 }
 
 class EventSearch : public ::testing::Test {
