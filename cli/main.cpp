@@ -1,6 +1,7 @@
 // celestark-cli: the command-line face of the engine. CSV with a header line on stdout; errors on
 // stderr with a non-zero exit.
 #include "epoch.h"
+#include "predict.h"
 #include "houses.h"
 #include "positions.h"
 #include "render.h"
@@ -166,6 +167,7 @@ int main(int argc, char** argv) {
     }
     if (command == "render") return cli::command_render(args.options);
     if (command == "epoch") return cli::command_epoch(args.options);
+    if (command == "predict") return cli::command_predict(args.options);
     if (command == "init") return cli::command_init(args.positional);
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);

@@ -5,6 +5,7 @@
 
 #include "event_options.h"
 #include "positions.h"
+#include "program_session.h"
 #include "stores.h"
 
 #include "app/startup.h"
@@ -39,84 +40,6 @@ namespace {
 constexpr float window_twips_wide = 1600 * 15.0f, window_twips_high = 1000 * 15.0f;
 // An A4 page, portrait, in twips.
 constexpr float a4_twips_wide = 210 / 25.4f * 1440, a4_twips_high = 297 / 25.4f * 1440;
-
-// A Qt application without a display, for the fonts and the painting, for as long as a command
-// runs.
-class HeadlessApplication {
-  public:
-    // A program that has its application already (the tests) keeps it.
-    HeadlessApplication() {
-        if (QGuiApplication::instance()) return;
-        setenv("QT_QPA_PLATFORM", "offscreen", 0);
-        app_ = std::make_unique<QGuiApplication>(argc_, argv_);
-    }
-
-  private:
-    // A private runtime folder where the system gives none, as Qt wants one; removed after the
-    // application has gone.
-    struct RuntimeFolder {
-        char path[32] = "/tmp/celestark-runtime-XXXXXX";
-        bool made = false;
-        RuntimeFolder() {
-            if (!std::getenv("XDG_RUNTIME_DIR") && mkdtemp(path)) {
-                made = true;
-                setenv("XDG_RUNTIME_DIR", path, 1);
-            }
-        }
-        ~RuntimeFolder() {
-            std::error_code ec;
-            if (made) fs::remove_all(path, ec);
-        }
-    } runtime_;
-    int argc_ = 1;
-    char name_[14] = "celestark-cli";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QGuiApplication> app_;
-};
-
-// A program folder for the command: the current one when it holds option.mdb, otherwise a
-// temporary one with the stores the build made (removed when the command ends).
-class ProgramFolder {
-  public:
-    bool prepare(std::string& error) {
-        std::error_code ec;
-        if (fs::exists(fs::current_path() / "option.mdb", ec)) {
-            path_ = fs::current_path();
-            return true;
-        }
-        const fs::path built = built_stores_folder();
-        if (built.empty() || !fs::exists(built / "option.mdb", ec)) {
-            error = "no option.mdb here and no built stores beside the program: run "
-                    "`celestark-cli init DIR` and render from DIR";
-            return false;
-        }
-        char pattern[] = "/tmp/celestark-render-XXXXXX";
-        if (!mkdtemp(pattern)) {
-            error = "cannot make a temporary program folder";
-            return false;
-        }
-        path_ = pattern;
-        temporary_ = true;
-        // The large tables are only read: linked, not copied.
-        for (const char* name : {"outer3.mdb", "asteroid.mdb", "stars.mdb"})
-            if (fs::exists(built / name, ec)) fs::create_symlink(built / name, path_ / name, ec);
-        fs::copy_file(built / "option.mdb", path_ / "option.mdb", ec);
-        if (ec) {
-            error = "cannot copy option.mdb: " + ec.message();
-            return false;
-        }
-        return true;
-    }
-    ~ProgramFolder() {
-        std::error_code ec;
-        if (temporary_) fs::remove_all(path_, ec);
-    }
-    const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-    bool temporary_ = false;
-};
 
 struct PageView {
     const char* page;
@@ -173,53 +96,6 @@ std::string pages_list() {
                (word.find(' ') == std::string::npos ? word : "\"" + word + "\"");
     }
     return out;
-}
-
-// A started session with the event of the options in slot 1 and the chart settings asked for.
-struct Prepared {
-    Session s;
-    ConsoleSink sink;
-    bool fatal = false;
-};
-
-bool prepare_session(const Options& o, const fs::path& folder, Prepared& p, std::string& error) {
-    Session& s = p.s;
-    const StartResult r = start_in(s, folder, p.sink, p.fatal);
-    if (p.fatal || !r.started) {
-        error = "the program folder " + folder.string() + " cannot start";
-        return false;
-    }
-    s.sink = &p.sink;
-    s.fatal_handler = [&p](const std::string&, const std::string&) { p.fatal = true; };
-    if (!load_event_option(o, s, slot::first_user, error)) return false;
-    if (const auto it = o.find("zodiac"); it != o.end()) {
-        s.chart.zodiac = it->second;
-        if (!select_zodiac(s, p.sink) && it->second != "Tropical" && it->second != "Draconic") {
-            error = "--zodiac: there is no zodiac '" + it->second + "' in option.mdb";
-            return false;
-        }
-    }
-    if (const auto it = o.find("houses"); it != o.end()) {
-        static constexpr const char* systems[] = {
-            "None",    "Asc. MC only", "Meridian",    "Regiomontanus", "Porphyry", "Equal",
-            "Morinus", "Koch",         "Topocentric", "Placidus",      "Campanus"};
-        bool known = false;
-        for (const char* name : systems) known = known || it->second == name;
-        if (!known) {
-            error = "--houses must be one of None, Asc. MC only, Meridian, Regiomontanus, "
-                    "Porphyry, Equal, Morinus, Koch, Topocentric, Placidus, Campanus";
-            return false;
-        }
-        s.chart.house_system = it->second;
-    }
-    if (const auto it = o.find("colour-set"); it != o.end()) {
-        if (it->second != "None" && !load_colour_set(s, it->second, p.sink)) {
-            error = "--colour-set: there is no colour set '" + it->second + "' in option.mdb";
-            return false;
-        }
-        s.chart.display_colour_set = s.chart.print_colour_set = it->second;
-    }
-    return true;
 }
 
 enum class Format { png, pdf, svg };

@@ -29,6 +29,8 @@ class MessageSink {
     // true once CANCEL has been pressed.
     virtual void progress_begin(const std::string& /*caption*/, int /*steps*/) {}
     virtual bool progress(int /*done*/) { return false; }
+    // A line beside the bar: the date a run has reached.
+    virtual void progress_label(const std::string& /*text*/) {}
     virtual void progress_end() {}
 };
 

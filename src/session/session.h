@@ -9,6 +9,7 @@
 #include "session/messages.h"
 #include "session/option_state.h"
 #include "session/positions.h"
+#include "session/predictive_state.h"
 #include "session/star_state.h"
 #include "session/text.h"
 
@@ -85,6 +86,9 @@ struct Session {
     DrawingState drawing;
     // The prenatal epoch of the birth in work row 5.
     EpochState epoch;
+    // The predictive run: its parameters and its values, kept between its pages.
+    PredictiveParameters predictive_params;
+    PredictiveRun predictive;
 };
 
 // Shows a fatal box through the session's sink and ends the process (or calls the handler).

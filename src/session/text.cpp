@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 
 namespace celestark {
@@ -328,6 +329,30 @@ char32_t symbol_of(unsigned char code) {
     if (code >= glyph::sun && code <= glyph::earth) return bodies[code - glyph::sun];
     if (code >= sign_glyphs[0] && code < sign_glyphs[0] + 12)
         return 0x2648 + (code - sign_glyphs[0]); // Aries to Pisces
+    // The aspects by their codes from 192, in the order of their angles: 0, 30, 45, 60, 72, 90,
+    // 120, 135, 144, 150, 180, then the septiles and noniles, which have no symbol of their own.
+    static constexpr char32_t aspects[] = {0x260C, 0x26BA, 0x2220, 0x26B9, U'Q',   0x25A1,
+                                           0x25B3, 0x26BC, U'B',   0x26BB, 0x260D, U'S',
+                                           U'S',   U'S',   U'N',   U'N',   U'N'};
+    if (code >= 192 && code < 192 + std::size(aspects)) return aspects[code - 192];
+    switch (code) {
+    case glyph::north_node:
+        return 0x260A;
+    case glyph::south_node:
+        return 0x260B;
+    case glyph::chiron:
+        return 0x26B7;
+    case glyph::ceres:
+        return 0x26B3;
+    case glyph::pallas:
+        return 0x26B4;
+    case glyph::juno:
+        return 0x26B5;
+    case glyph::vesta:
+        return 0x26B6;
+    default:
+        break;
+    }
     if (code == glyph::degree) return 0xB0;
     if (code == glyph::minute) return U'\'';
     return U'?';
