@@ -2,6 +2,7 @@
 
 #include "engine/chart.h"
 #include "engine/houses.h"
+#include "predict/body_fits.h"
 #include "predict/predictive_controls.h"
 #include "predict/progressions.h"
 #include "predict/samples.h"
@@ -102,7 +103,10 @@ void take_list_shapes(Session& s) {
 // for Secondary the progressed angles appended, for Solar Arc and OD the birth shifted.
 void stepped_bodies(Session& s, double t) {
     PredictiveRun& r = s.predictive;
-    calculate_bodies_at(s, t);
+    if (r.stepped_fits)
+        r.stepped_fits->bodies_at(s, t);
+    else
+        calculate_bodies_at(s, t);
     if (s.predictive_params.mode == "P" && r.choices.progression == "Secondary")
         progress_angles(s, t);
 }
@@ -140,7 +144,10 @@ void fill_newest(Session& s, double t) {
     } else {
         // The real sky at the life date; the progressed angles, which it lacks, stay beside it.
         r.life[4] = slot;
-        calculate_bodies_at(s, life);
+        if (r.life_fits)
+            r.life_fits->bodies_at(s, life);
+        else
+            calculate_bodies_at(s, life);
         copy_sample(s, r.life[4], life);
     }
     r.life[4].time = life;
@@ -283,6 +290,31 @@ bool prepare_run(Session& s, MessageSink& sink) {
     return true;
 }
 
+// The fitted series where they save work: a window costs its degree + 1 calculations, so a step
+// must be well below the window's width over that.
+void make_fits(const PredictiveParameters& p, PredictiveRun& r) {
+    r.stepped_fits.reset();
+    r.life_fits.reset();
+    if (!r.use_fits) return;
+    FittedLists lists;
+    const std::string& view = r.choices.world_view;
+    lists.helio = view == "Heliocentric" || view == "Geo/Helio";
+    lists.lemni = view == "Lemnicentric";
+    // The geocentric list where the searches, the true projection or a direction read it.
+    lists.geo = !lists.lemni && view != "Heliocentric";
+    lists.geo = lists.geo || p.mode == "P" || (p.mode == "B" && r.projection_mode == 2);
+    // Small steps take short windows: a series of fewer terms is read at every step.
+    const auto fits_for = [&](double step, int direction) -> std::shared_ptr<BodyFits> {
+        const double days = step < 0.001 ? 8.0 : 128.0;
+        const int degree = step < 0.001 ? 40 : 112;
+        if (step <= 0 || (degree + 1) * step >= days / 2) return nullptr;
+        return std::make_shared<BodyFits>(lists, days, degree, direction);
+    };
+    const double step = static_cast<double>(r.run_step);
+    r.stepped_fits = fits_for(step, r.run_direction);
+    if (!r.ab_prenatal) r.life_fits = fits_for(step * r.time_ratio, 1);
+}
+
 // Steps 8 to 14: the life span, the first moment stepped, the window.
 void enter_span(Session& s, const std::string& day, const std::string& month,
                 const std::string& year) {
@@ -308,6 +340,7 @@ void enter_span(Session& s, const std::string& day, const std::string& month,
     }
     r.run_cursor = r.scan_start;
     r.run_step = choose_step(p, r);
+    make_fits(p, r);
     fill_sample_window(s, r.run_cursor);
     if (mode == "B" && r.life[4].time < r.life_start - 3.0) {
         r.run_cursor =
@@ -350,6 +383,16 @@ Flush flush_hits(Session& s, HitPrinter& printer) {
     PredictiveRun& r = s.predictive;
     const std::string& mode = s.predictive_params.mode;
     sort_hits(r.hits);
+    // A station of this step may lie beyond moments the next search will still find: rows after
+    // the middle of the window wait for the next flush, so the pages keep the order of dates.
+    const double frontier = r.window[2].time;
+    std::vector<Hit> later;
+    std::erase_if(r.hits, [&](const Hit& h) {
+        if ((h.date - frontier) * r.run_direction <= 0) return false;
+        later.push_back(h);
+        return true;
+    });
+    const auto keep_later = [&] { r.hits.insert(r.hits.end(), later.begin(), later.end()); };
     for (std::size_t i = 0; i < r.hits.size(); ++i) {
         const Hit& h = r.hits[i];
         if (ends_run(r, mode, h)) {
@@ -360,12 +403,14 @@ Flush flush_hits(Session& s, HitPrinter& printer) {
         if (printer.print_row(s, h)) continue;
         if (!printer.pages_follow()) {
             r.hits.erase(r.hits.begin(), r.hits.begin() + static_cast<std::ptrdiff_t>(i));
+            keep_later();
             return Flush::page_full;
         }
         printer.begin_page(s, ++r.page);
         printer.print_row(s, h);
     }
     r.hits.clear();
+    keep_later();
     return Flush::done;
 }
 
@@ -574,7 +619,9 @@ RunOutcome start_predictive_run(Session& s, const PredictiveParameters& params,
     load_aspect_set(s, params.text("aspect_set"), sink);
 
     s.predictive_params = params;
+    const bool use_fits = r.use_fits;
     r = PredictiveRun{};
+    r.use_fits = use_fits;
     r.choices = choices;
     r.run_phase = 0;
     if (!prepare_run(s, sink)) return RunOutcome::refused;

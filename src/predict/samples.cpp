@@ -17,6 +17,13 @@ void unwrap_samples(Samples& y) {
         while (y[i] <= -two_pi)
             for (double& v : y) v += two_pi;
     }
+    // The middle sample nearest to zero: a zero just below a full circle (a conjunction across
+    // the first point of Aries, an aspect whose difference comes to nearly minus a circle) would
+    // otherwise stand almost a circle away and be missed.
+    if (y[2] > pi)
+        for (double& v : y) v -= two_pi;
+    else if (y[2] < -pi)
+        for (double& v : y) v += two_pi;
 }
 
 Differences difference_samples(const Samples& y) {

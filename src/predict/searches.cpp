@@ -8,6 +8,7 @@
 #include "session/fixed_tables.h"
 #include "session/session.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -58,6 +59,15 @@ BodyList fixed_list(const std::array<double, N>& places, int count, const unsign
     for (int p = 0; p < count; ++p)
         l.samples[static_cast<std::size_t>(p)].fill(places[static_cast<std::size_t>(p)]);
     return l;
+}
+
+// Whether the middle sample of a search lies within a tenth of a half circle of zero on the
+// circle: no zero can be found otherwise, and most pairs are settled by this test alone.
+bool middle_near_zero_within(double value, double reach) {
+    return std::fabs(value - two_pi * std::nearbyint(value / two_pi)) < reach;
+}
+bool middle_near_zero(double value) {
+    return middle_near_zero_within(value, pi / 10 + 1e-15);
 }
 
 // The value at the interpolating factor and the retrograde mark: "R" when the value lies below
@@ -155,7 +165,7 @@ class Searcher {
         for (int p = 0; p < l.count; ++p) {
             const Samples& y = l.samples[static_cast<std::size_t>(p)];
             for (std::size_t i = 1; i < 5; ++i)
-                if (std::fabs(std::remainder(y[i] - y[i - 1], two_pi)) >= pi / 2)
+                if (!middle_near_zero_within(y[i] - y[i - 1], pi / 2))
                     lemni_jumps_[static_cast<std::size_t>(p)] = true;
         }
         return l;
@@ -283,15 +293,48 @@ class Searcher {
         const RunChoices& c = run_.choices;
         const bool fixed = chart != nullptr;
         const bool orb_pass = c.orb && (c.world_view != "Lemnicentric");
+        // The pairs and the bodies' classes once for all the aspects.
+        // Kept between the steps, so that a step allocates nothing.
+        static thread_local std::vector<int> class_p, class_q;
+        class_p.resize(static_cast<std::size_t>(moving.count));
+        class_q.resize(static_cast<std::size_t>(target.count));
+        for (int p = 0; p < moving.count; ++p)
+            class_p[static_cast<std::size_t>(p)] = body_class_of(moving.glyphs[p]);
+        for (int q = 0; q < target.count; ++q)
+            class_q[static_cast<std::size_t>(q)] = body_class_of(target.glyphs[q]);
+        // Each pair with the difference of its middle samples on the circle, -pi to pi.
+        struct Pair {
+            int p, q;
+            double middle;
+        };
+        static thread_local std::vector<Pair> pairs;
+        pairs.clear();
+        for (int p = 0; p < moving.count; ++p) {
+            if (skipped(moving, p)) continue;
+            for (int q = 0; q < target.count; ++q)
+                if (pair_on(moving, p, target, q, which, same_set)) {
+                    const double d = moving.samples[static_cast<std::size_t>(p)][2] -
+                                     target.samples[static_cast<std::size_t>(q)][2];
+                    pairs.push_back({p, q, d - two_pi * std::nearbyint(d / two_pi)});
+                }
+        }
+        // A difference near an angle, either way round, within the widest reach of a search
+        // (a tenth of a half circle beyond the orb).
+        const auto near = [](double middle, double offset, double reach) {
+            const double x = std::fabs(middle + offset);
+            return x <= reach || std::fabs(x - two_pi) <= reach;
+        };
         for (int a = 0; a < table_.aspect_count; ++a) {
             const double angle = table_.angle[static_cast<std::size_t>(a)];
-            for (int p = 0; p < moving.count; ++p) {
-                if (skipped(moving, p)) continue;
-                const int class_p = body_class_of(moving.glyphs[p]);
-                for (int q = 0; q < target.count; ++q) {
-                    if (!pair_on(moving, p, target, q, which, same_set)) continue;
-                    const int class_q = body_class_of(target.glyphs[q]);
-                    if (!aspect_allowed(table_, a, class_p, class_q)) continue;
+            const double widest = c.orb ? max_orb(a) * degree : 0.0;
+            const double reach = pi / 10 + widest;
+            for (const auto& [p, q, middle] : pairs) {
+                if (!near(middle, -angle * degree, reach) && !near(middle, angle * degree, reach))
+                    continue;
+                {
+                    const int cp = class_p[static_cast<std::size_t>(p)];
+                    const int cq = class_q[static_cast<std::size_t>(q)];
+                    if (!aspect_allowed(table_, a, cp, cq)) continue;
                     const Samples& P = moving.samples[static_cast<std::size_t>(p)];
                     const Samples& Q = target.samples[static_cast<std::size_t>(q)];
                     const bool one_sided = !(angle > 0 && angle < 180);
@@ -303,7 +346,7 @@ class Searcher {
                                      chart, a);
                     }
                     if (!orb_pass) continue;
-                    const double o = orb_for(which, a, class_p, class_q);
+                    const double o = orb_for(which, a, cp, cq);
                     // The faster of the pair goes first; against a chart the moving body does.
                     bool moving_first = true;
                     if (!fixed) {
@@ -328,10 +371,18 @@ class Searcher {
         }
     }
 
+    // The widest orb of an aspect for any pair of classes, degrees.
+    double max_orb(int aspect) const {
+        const auto k = static_cast<std::size_t>(aspect);
+        return std::max({table_.orb_sun[k], table_.orb_moon[k], table_.orb_planets[k],
+                         table_.orb_elements[k], table_.orb_stars[k]});
+    }
+
     // y = P - Q + offset: an exact aspect where it crosses zero.
     void crossing(const Samples& P, const Samples& Q, double offset, const std::string& kind,
                   const std::string& orb_kind, const BodyList& moving, int p,
                   const BodyList& target, int q, Lists which, const FixedChart* chart, int a) {
+        if (!middle_near_zero(P[2] - Q[2] + offset)) return;
         Samples y;
         for (std::size_t i = 0; i < 5; ++i) y[i] = P[i] - Q[i] + offset;
         unwrap_samples(y);
@@ -342,6 +393,7 @@ class Searcher {
     void orb_edge(const Samples& F, const Samples& G, double offset, const char* rising_kind,
                   const char* falling_kind, const std::string& kind, const BodyList& moving, int p,
                   const BodyList& target, int q, Lists which, const FixedChart* chart, int a) {
+        if (!middle_near_zero(F[2] - G[2] + offset)) return;
         Samples y;
         for (std::size_t i = 0; i < 5; ++i) y[i] = F[i] - G[i] + offset;
         unwrap_samples(y);
@@ -431,6 +483,7 @@ class Searcher {
                     boundary = s_.option_sets.zodiac
                                    .constellation_start[static_cast<std::size_t>(place - 1)] *
                                degree;
+                if (!middle_near_zero(P[2] - boundary)) continue;
                 Samples y;
                 for (std::size_t i = 0; i < 5; ++i) y[i] = P[i] - boundary;
                 unwrap_samples(y);

@@ -8,11 +8,14 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace celestark {
+
+class BodyFits;
 
 // Every box, button and field of the run's screen by its control name. Option buttons read -1
 // or 0, check boxes 1 or 0; the run tests a flag for being other than 0.
@@ -111,6 +114,11 @@ struct PredictiveRun {
     std::array<unsigned char, lemni_capacity> lemni_glyph{};
     // Lemnicentric places rebuilt across a crossing of the lemniscate in the current window.
     std::array<bool, 4> lemni_rebuilt{};
+
+    // The bodies from fitted series (false: every moment calculated), for the stepped moments
+    // and for the life dates; made at the start of a run.
+    bool use_fits = true;
+    std::shared_ptr<BodyFits> stepped_fits, life_fits;
 
     std::vector<Hit> hits;
     int page = 0;
