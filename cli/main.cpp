@@ -1,9 +1,9 @@
 // celestark-cli: the command-line face of the engine. CSV with a header line on stdout; errors on
 // stderr with a non-zero exit.
 #include "epoch.h"
-#include "predict.h"
 #include "houses.h"
 #include "positions.h"
+#include "predict.h"
 #include "render.h"
 #include "session/angles.h"
 #include "session/calendar.h"
@@ -128,9 +128,16 @@ void usage() {
                 "  positions (--jd JD | --tt JDE | --tt-list FILE) [--view geo|helio|lemni|tycho]\n"
                 "            [--level 1|2|3] [--actual] [--all-bodies]\n"
                 "  bench --moments N --step DAYS --level L [--what bodies|chart|render]\n"
+                "  bench --what run-transits|run-biography [--direct]\n"
                 "  init DIR                 prepare a program folder\n"
                 "  start                    start a session in the current folder\n"
-                "  chart (--db FILE --table NAME --row N | EVENT)\n"
+                "  chart (--db FILE --table NAME --row N | EVENT) [--houses NAME]\n"
+                "        [--progressed secondary|solar-arc|od --to YYYY-MM-DD[THH:MM:SS]]\n"
+                "  predict --mode T|B|P (--db FILE --table NAME --row N | EVENT)"
+                " [--from YYYY-MM-DD]\n"
+                "          [--to YYYY-MM-DD] [--aspect-set NAME] [--zone ZONE]"
+                " [--set NAME=VALUE,...]\n"
+                "          [--report FILE.pdf]\n"
                 "  render --page WORD --out FILE.png|.pdf|.svg (--db FILE --table NAME --row N |"
                 " EVENT)\n"
                 "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
@@ -163,6 +170,8 @@ int main(int argc, char** argv) {
         const auto what = args.options.find("what");
         if (what != args.options.end() && what->second == "render")
             return cli::command_bench_render(args.options);
+        if (what != args.options.end() && what->second.rfind("run-", 0) == 0)
+            return cli::command_bench_run(args.options);
         return cli::command_bench(args.options);
     }
     if (command == "render") return cli::command_render(args.options);

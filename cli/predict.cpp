@@ -1,8 +1,13 @@
 #include "predict.h"
 
+#include "epoch.h"
 #include "positions.h"
 #include "program_session.h"
 
+#include "drawing/painter_surface.h"
+#include "drawing/predictive_report.h"
+#include "engine/epoch.h"
+#include "predict/body_fits.h"
 #include "predict/hit_text.h"
 #include "predict/predictive_controls.h"
 #include "predict/predictive_run.h"
@@ -10,12 +15,18 @@
 #include "session/fixed_tables.h"
 #include "session/text.h"
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <memory>
 #include <sstream>
 #include <vector>
 
 namespace celestark::cli {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -38,6 +49,26 @@ class ListPrinter : public HitPrinter {
         return true;
     }
     bool pages_follow() const override { return true; }
+};
+
+// The report's pages on paper and the rows in the list: a row goes to the list once it stands on a
+// page, so that a row carried to the next page is listed once.
+class ReportAndList : public HitPrinter {
+  public:
+    ReportAndList(drawing::PredictiveReport& report, ListPrinter& list)
+        : report_(report), list_(list) {}
+    void begin_page(Session& s, int page) override { report_.begin_page(s, page); }
+    bool print_row(Session& s, const Hit& hit) override {
+        if (!report_.print_row(s, hit)) return false;
+        list_.rows.push_back(hit);
+        return true;
+    }
+    bool pages_follow() const override { return true; }
+    void end_run(Session& s) override { report_.end_run(s); }
+
+  private:
+    drawing::PredictiveReport& report_;
+    ListPrinter& list_;
 };
 
 // "YYYY-MM-DD" (the year may be negative or 0) into the three fields of the screen.
@@ -89,49 +120,98 @@ std::string radical_name(const Hit& h) {
     return body_name(static_cast<unsigned char>(h.body_2[0]));
 }
 
-} // namespace
-
-int command_predict(const Options& o) {
-    std::string error;
+// The session of the options with the parameters of the run: the event in slot 1 (a birth
+// without a stored epoch takes the one the rule selects, for a biography), the screen's controls
+// as it starts, then the options.
+bool prepare_predict(const Options& o, const fs::path& folder, Prepared& prepared,
+                     PredictiveParameters& p, std::string& error) {
     const auto mode_it = o.find("mode");
     if (mode_it == o.end() ||
-        (mode_it->second != "T" && mode_it->second != "B" && mode_it->second != "P"))
-        return fail("predict needs --mode T, B or P");
-    ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
-    auto prepared = std::make_unique<Prepared>();
-    if (!prepare_session(o, folder.path(), *prepared, error)) return fail(error);
-    Session& s = prepared->s;
+        (mode_it->second != "T" && mode_it->second != "B" && mode_it->second != "P")) {
+        error = "predict needs --mode T, B or P";
+        return false;
+    }
+    if (!prepare_session(o, folder, prepared, error)) return false;
+    Session& s = prepared.s;
     s.event_slots.active_event = slot::first_user;
-
-    PredictiveParameters p = predictive_defaults(s, mode_it->second);
-    if (const auto it = o.find("from"); it != o.end() && !put_date(p, it->second, "start", error))
-        return fail("--from: " + error);
-    if (const auto it = o.find("to"); it != o.end() && !put_date(p, it->second, "end", error))
-        return fail("--to: " + error);
+    EventRow& birth = s.event_slots[slot::first_user];
+    if (mode_it->second == "B" && trim(birth[col::epoch_exists]) != "Y") {
+        if (!prepare_epoch(o, s, slot::first_user, error)) return false;
+        calculate_epoch(s);
+        put_epoch_in_event(s, birth, s.epoch.recommended > 0 ? s.epoch.recommended : 1);
+    }
+    p = predictive_defaults(s, mode_it->second);
+    if (const auto it = o.find("from"); it != o.end() && !put_date(p, it->second, "start", error)) {
+        error = "--from: " + error;
+        return false;
+    }
+    if (const auto it = o.find("to"); it != o.end() && !put_date(p, it->second, "end", error)) {
+        error = "--to: " + error;
+        return false;
+    }
     if (const auto it = o.find("aspect-set"); it != o.end()) p.texts["aspect_set"] = it->second;
     // --zone is the report's zone; for an inline event it is also the event's, and a local mean
     // time there leaves the report in Greenwich time.
     if (const auto it = o.find("zone"); it != o.end()) {
         const std::string zone = to_upper(trim(it->second));
         const bool local = has_inline_event(o) && (zone == "LMT" || zone == "LOCAL");
-        if (!local && !put_zone(p, zone, error)) return fail(error);
+        if (!local && !put_zone(p, zone, error)) return false;
     }
     if (const auto it = o.find("set"); it != o.end()) {
         std::istringstream in(it->second);
         std::string item;
         while (std::getline(in, item, ',')) {
             const auto eq = item.find('=');
-            if (eq == std::string::npos)
-                return fail("--set takes NAME=VALUE pairs, not '" + item + "'");
+            if (eq == std::string::npos) {
+                error = "--set takes NAME=VALUE pairs, not '" + item + "'";
+                return false;
+            }
             const std::string why =
                 set_predictive_control(p, item.substr(0, eq), item.substr(eq + 1));
-            if (!why.empty()) return fail("--set: " + why);
+            if (!why.empty()) {
+                error = "--set: " + why;
+                return false;
+            }
         }
     }
+    return true;
+}
 
+} // namespace
+
+int command_predict(const Options& o) {
+    std::string error;
+    ProgramFolder folder;
+    if (!folder.prepare(error)) return fail(error);
+    auto prepared = std::make_unique<Prepared>();
+    PredictiveParameters p;
+    if (!prepare_predict(o, folder.path(), *prepared, p, error)) return fail(error);
+    Session& s = prepared->s;
+    std::string report_path;
+    if (const auto it = o.find("report"); it != o.end()) {
+        report_path = it->second;
+        if (to_upper(fs::path(report_path).extension().string()) != ".PDF")
+            return fail("--report must name a .pdf file, not '" + report_path + "'");
+    }
     ListPrinter list;
-    const RunOutcome outcome = start_predictive_run(s, p, list);
+    RunOutcome outcome = RunOutcome::refused;
+    if (report_path.empty()) {
+        outcome = start_predictive_run(s, p, list);
+    } else {
+        // The pages as the printer has them: A4 upright, one after the other.
+        HeadlessApplication application;
+        drawing::PdfCanvas paper(report_path);
+        paper.set_title("Celestark predictive report");
+        drawing::Canvases canvases;
+        canvases.printer = &paper;
+        drawing::Drawing g(s, canvases);
+        g.d.printing = true;
+        drawing::PredictiveReport report(g);
+        ReportAndList both(report, list);
+        outcome = start_predictive_run(s, p, both);
+        paper.end_document();
+        g.d.printing = false;
+    }
     if (outcome == RunOutcome::refused || prepared->fatal) return 1;
     std::printf("jd_ut,date,time,kind,moving,radical,aspect_deg,text\n");
     for (const Hit& h : list.rows) {
@@ -144,6 +224,55 @@ int command_predict(const Options& o) {
                     radical_name(h).c_str(), angle,
                     quoted(symbol_text_utf8(hit_text(s, h))).c_str());
     }
+    return 0;
+}
+
+int command_bench_run(const Options& o) {
+    const std::string what = o.at("what");
+    // Einstein's birth: a hundred years of transits with the Moon in the geocentric view, or
+    // his lifetime biography in the lemnicentric view with the Moon.
+    Options run = {{"date", "1879-03-14"},
+                   {"time", "11:30:00"},
+                   {"zone", "LMT"},
+                   {"lat", "48N24"},
+                   {"lon", "10E00"}};
+    if (what == "run-transits") {
+        run["mode"] = "T";
+        run["from"] = "1900-01-01";
+        run["to"] = "2000-01-01";
+        run["set"] = "geo=1,aspects=1,signs=1,retro=1,transit_event=1,t_moon=1";
+    } else if (what == "run-biography") {
+        run["mode"] = "B";
+        run["from"] = "1879-03-14";
+        run["to"] = "1955-04-18";
+        run["set"] = "lemniscate=1,lifetime=1,ab=1,aspects=1,t_moon=1,c_moon=1";
+    } else {
+        return fail("--what must be bodies, chart, render, run-transits or run-biography");
+    }
+    std::string error;
+    ProgramFolder folder;
+    if (!folder.prepare(error)) return fail(error);
+    auto prepared = std::make_unique<Prepared>();
+    PredictiveParameters p;
+    if (!prepare_predict(run, folder.path(), *prepared, p, error)) return fail(error);
+    Session& s = prepared->s;
+    s.predictive.use_fits = o.count("direct") == 0;
+    ListPrinter list;
+    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t cpu_start = std::clock();
+    const RunOutcome outcome = start_predictive_run(s, p, list);
+    const double cpu = static_cast<double>(std::clock() - cpu_start) / CLOCKS_PER_SEC;
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    if (outcome == RunOutcome::refused) return 1;
+    const PredictiveRun& r = s.predictive;
+    const double steps = std::fabs(r.run_cursor - r.scan_start) / static_cast<double>(r.run_step);
+    std::printf("what,fitted,seconds,cpu_seconds,steps,step_days,hits,windows\n"
+                "%s,%d,%.3f,%.3f,%.0f,%.6f,%zu,%ld\n",
+                what.c_str(), r.use_fits ? 1 : 0, seconds, cpu, steps,
+                static_cast<double>(r.run_step), list.rows.size(),
+                (r.stepped_fits ? r.stepped_fits->windows() : 0) +
+                    (r.life_fits ? r.life_fits->windows() : 0));
     return 0;
 }
 

@@ -10,4 +10,9 @@ namespace celestark::cli {
 // [--set NAME=VALUE,...] [--report FILE.pdf] with the event options of render.
 int command_predict(const std::map<std::string, std::string>& options);
 
+// bench --what run-transits|run-biography [--direct]: seconds for a hundred years of transits
+// (geocentric, with the Moon, every planet against the birth, aspects, signs and stations) or a
+// lifetime biography (lemnicentric, with the Moon); --direct calculates every step.
+int command_bench_run(const std::map<std::string, std::string>& options);
+
 } // namespace celestark::cli

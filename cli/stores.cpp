@@ -5,6 +5,8 @@
 #include "engine/chart.h"
 #include "event_options.h"
 #include "positions.h"
+#include "predict/progressions.h"
+#include "session/calendar.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
@@ -142,13 +144,60 @@ int command_start() {
     return 0;
 }
 
+namespace {
+
+// The life date of --to: YYYY-MM-DD, with THH:MM:SS Universal Time, on the event's calendar.
+bool life_date_option(const std::string& text, std::string_view gj, double& jd) {
+    int y = 0, m = 0, d = 0, hh = 0, mm = 0, ss = 0;
+    char tail = 0;
+    const int n =
+        std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d%c", &y, &m, &d, &hh, &mm, &ss, &tail);
+    if (!(n == 3 || n == 6) || m < 1 || m > 12 || d < 1 || d > days_in_month(m, y, gj) || hh < 0 ||
+        hh > 23 || mm < 0 || mm > 59 || ss < 0 || ss > 59)
+        return false;
+    jd = julian_date(d, m, y, gj, (hh + (mm + ss / 60.0) / 60.0) / 24.0);
+    return true;
+}
+
+} // namespace
+
 int command_chart(const std::map<std::string, std::string>& options) {
     Session s;
     initialise_session(s, fs::current_path().string());
     std::string error;
     if (!load_event_option(options, s, slot::first_user, error)) return fail(error);
     if (!attach_body_tables(s)) return 2;
-    calculate_chart(s, slot::first_user, true);
+    if (const auto it = options.find("houses"); it != options.end())
+        s.chart.house_system = it->second;
+    int row = slot::first_user;
+    if (const auto it = options.find("progressed"); it != options.end()) {
+        static const std::map<std::string, std::string> kinds = {{"secondary", "Secondary"},
+                                                                 {"primary", "Primary"},
+                                                                 {"solar-arc", "Solar Arc"},
+                                                                 {"od", "OD"}};
+        const auto kind = kinds.find(it->second);
+        if (kind == kinds.end())
+            return fail("--progressed must be secondary, primary, solar-arc or od, not '" +
+                        it->second + "'");
+        if (kind->second == "Primary")
+            return fail("primary directions are not calculated by this version: use secondary, "
+                        "solar-arc or od");
+        const auto to = options.find("to");
+        const std::string gj =
+            trim(s.event_slots[row][col::gj]).empty() ? "G" : trim(s.event_slots[row][col::gj]);
+        double life = 0;
+        if (to == options.end() || !life_date_option(to->second, gj, life))
+            return fail(
+                "--progressed needs --to YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS (Universal Time)");
+        calculate_chart(s, row, false);
+        const double birth = s.engine.event_jd;
+        row = slot::work;
+        s.event_slots[row] = s.event_slots[slot::first_user];
+        put_progressed_moment(s.event_slots[row], progressed_moment(kind->second, birth, life, 1));
+        calculate_progressed_event(s, slot::first_user, row, kind->second);
+    } else {
+        calculate_chart(s, row, true);
+    }
 
     const PositionLists& p = s.engine.pos;
     std::printf("body,lon_deg,lat_deg,dist_au,retro\n");
@@ -160,6 +209,18 @@ int command_chart(const std::map<std::string, std::string>& options) {
         const double lon = std::fmod(p.geo_long[k] * rad_to_deg + 360.0, 360.0);
         std::printf("%s,%.6f,%.6f,%.9f,%s\n", body_name(p.geo_glyph[k]).c_str(), lon,
                     p.geo_lat[k] * rad_to_deg, p.geo_dist[k], p.geo_retro[k + 1] == 'R' ? "R" : "");
+    }
+    // The cusps and the angles in the same columns.
+    const EngineState& e = s.engine;
+    if (e.chart_has_houses) {
+        const auto angle = [](double a) {
+            return std::fmod(std::fmod(a * rad_to_deg, 360.0) + 360.0, 360.0);
+        };
+        for (int i = 1; i <= 12; ++i)
+            std::printf("cusp%d,%.6f,0.000000,0.000000000,\n", i,
+                        angle(e.house_cusps[static_cast<std::size_t>(i)]));
+        std::printf("asc,%.6f,0.000000,0.000000000,\nmc,%.6f,0.000000,0.000000000,\n",
+                    angle(e.ascendant), angle(e.midheaven));
     }
     // Then the aspects of the chart list.
     ConsoleSink messages;

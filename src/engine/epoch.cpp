@@ -39,11 +39,6 @@ class EpochSwitches {
     std::int16_t level_;
 };
 
-void add_days(EventRow& row, double days) {
-    const DayParts p = split_day_fraction(days);
-    add_to_event_time(row, 0, 0, static_cast<int>(p.days), p.hours, p.minutes, p.seconds, p.msecs);
-}
-
 EpochMoment calculate_row(Session& s, int row) {
     calculate_chart(s, row, false);
     const EngineState& e = s.engine;
@@ -116,6 +111,11 @@ std::string epoch_line(Session& s, EventRow row, const EpochMoment& m, LineKind 
 }
 
 } // namespace
+
+void add_days(EventRow& row, double days) {
+    const DayParts p = split_day_fraction(days);
+    add_to_event_time(row, 0, 0, static_cast<int>(p.days), p.hours, p.minutes, p.seconds, p.msecs);
+}
 
 void to_greenwich(EventRow& row) {
     add_days(row, reduce_event_time(row).greenwich_offset);

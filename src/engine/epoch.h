@@ -19,6 +19,8 @@ void calculate_epoch(Session& s);
 
 // The row's civil time turned to Greenwich time, and its zone cells saying so.
 void to_greenwich(EventRow& row);
+// Moves the row's date and time on by a number of days (back when negative).
+void add_days(EventRow& row, double days);
 
 // Moves the birth in row 5 by the signed amounts and calculates again.
 void adjust_birth(Session& s, int hours, int minutes, int seconds, int msecs);

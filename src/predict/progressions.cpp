@@ -1,10 +1,12 @@
 #include "predict/progressions.h"
 
 #include "engine/chart.h"
+#include "engine/epoch.h"
 #include "engine/houses.h"
 #include "session/calendar.h"
 #include "session/constants.h"
 #include "session/event.h"
+#include "session/event_time.h"
 #include "session/fixed_tables.h"
 #include "session/session.h"
 #include "session/text.h"
@@ -128,6 +130,12 @@ void progress_angles(Session& s, double t) {
         p.geo_glyph[k] = static_cast<unsigned char>(code);
         ++p.geo_count;
     }
+}
+
+void put_progressed_moment(EventRow& row, double jd) {
+    to_greenwich(row);
+    add_days(row, jd - reduce_event_time(row).event_jd);
+    row[col::event] = "Progressed";
 }
 
 double progressed_moment(const std::string& kind, double birth_jd, double life_jd, int direction) {

@@ -3,6 +3,8 @@
 // bodies of the day that stands for the year and moves the angles by the mean arc of the Sun;
 // Solar Arc and OD shift the whole birth chart by one arc (the Sun's progressed motion, or one
 // degree a year). Primary directions are not calculated.
+#include "session/event.h"
+
 #include <string>
 
 namespace celestark {
@@ -22,6 +24,10 @@ bool calculate_progressed_event(Session& s, int base_row, int progressed_row,
 // the geocentric list with the glyphs "A" and "M". The run's fixed birth chart gives the
 // sidereal time and the latitude.
 void progress_angles(Session& s, double t);
+
+// The row of a progressed chart: the base row's place and names at the moment jd (Universal
+// Time), in Greenwich time, its event "Progressed".
+void put_progressed_moment(EventRow& row, double jd);
 
 // The symbolic moment that stands for the life date: a day for a year (Secondary, Solar Arc) or
 // the life date itself (OD), forward or backward from the birth.

@@ -22,6 +22,7 @@ Desktop::Desktop(Session& session) : session_(session), drawing_(session, canvas
     add_help_windows(*this);
     add_print_windows(*this);
     add_epoch_windows(*this);
+    add_predictive_windows(*this);
     chart_window_->enable_known_commands();
 }
 

@@ -88,5 +88,6 @@ void add_star_windows(Desktop& desktop);           // star database, options, gr
 void add_help_windows(Desktop& desktop);           // the user guide and the About box
 void add_print_windows(Desktop& desktop);          // the charts of an event, the page setup
 void add_epoch_windows(Desktop& desktop);          // the prenatal epoch
+void add_predictive_windows(Desktop& desktop);     // BIOGRAPHY and the run's report
 
 } // namespace celestark::screens

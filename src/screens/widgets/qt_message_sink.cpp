@@ -76,6 +76,7 @@ QtMessageSink::QtMessageSink() = default;
 QtMessageSink::~QtMessageSink() = default;
 
 void QtMessageSink::progress_begin(const std::string& caption, int steps) {
+    caption_ = caption;
     progress_ = std::make_unique<QProgressDialog>(qt(caption), "CANCEL", 0, steps,
                                                   QApplication::activeWindow());
     progress_->setObjectName("run_status");
@@ -94,6 +95,11 @@ bool QtMessageSink::progress(int done) {
     // The one place where a run lets the screen's events through: CANCEL is heard here.
     QApplication::processEvents();
     return progress_->wasCanceled();
+}
+
+void QtMessageSink::progress_label(const std::string& text) {
+    if (!progress_) return;
+    progress_->setLabelText(qt(caption_ + "\n" + text));
 }
 
 void QtMessageSink::progress_end() {

@@ -33,12 +33,15 @@ class QtMessageSink : public MessageSink {
     // take no input.
     void progress_begin(const std::string& caption, int steps) override;
     bool progress(int done) override;
+    // The date a run has reached, under the caption.
+    void progress_label(const std::string& text) override;
     void progress_end() override;
     QtMessageSink();
     ~QtMessageSink() override;
 
   private:
     std::vector<std::string> pending_;
+    std::string caption_;
     std::unique_ptr<QProgressDialog> progress_;
 };
 
