@@ -34,29 +34,20 @@ void for_each_value(PositionLists& p, Nutation& n, const FittedLists& lists, F&&
     }
 }
 
-// The moments where the rule of delta T changes its piece (every second year of its table from
-// 1620 to 2000, then the formula after 2000, and the formula before 948): the positions turn
-// or jump there, which no smooth series follows, so a window ends at the next one.
+// The moments where the rule of delta T changes from one formula or table to another (948,
+// 1620 and 2000): there it jumps, and every position with it, which no smooth series follows,
+// so a window ends at the next one. (Within the table the rule only bends every second year,
+// which costs the series nothing measurable.)
 double next_seam(double jd, int direction) {
-    const double year = (jd - j2000) / 365.25 + 2000.0;
-    const auto to_jd = [](double y) { return j2000 + (y - 2000.0) * 365.25; };
-    const double before_948 = to_jd(948.0), first = to_jd(1620.0), last = to_jd(2000.0);
+    static constexpr double seams[] = {j2000 + (948.0 - 2000.0) * 365.25,
+                                       j2000 + (1620.0 - 2000.0) * 365.25, j2000};
     if (direction > 0) {
-        if (jd < before_948) return before_948;
-        if (jd < first) return first;
-        if (jd >= last) return std::numeric_limits<double>::infinity();
-        const double next = to_jd(1620.0 + 2.0 * (std::floor((year - 1620.0) / 2.0) + 1));
-        return std::min(next <= jd ? to_jd(1620.0 + 2.0 * (std::floor((year - 1620.0) / 2.0) + 2))
-                                   : next,
-                        last);
+        for (const double seam : seams)
+            if (seam > jd) return seam;
+        return std::numeric_limits<double>::infinity();
     }
-    if (jd > last) return last;
-    if (jd > first) {
-        double seam = to_jd(1620.0 + 2.0 * std::floor((year - 1620.0) / 2.0));
-        if (seam >= jd) seam -= 2 * 365.25;
-        return std::max(seam, first);
-    }
-    if (jd > before_948) return before_948;
+    for (int i = 2; i >= 0; --i)
+        if (seams[i] < jd) return seams[i];
     return -std::numeric_limits<double>::infinity();
 }
 
@@ -180,8 +171,8 @@ void BodyFits::bodies_at(Session& s, double jd) {
     for_each_value(p, s.engine.nutation, lists_, [&](double& value, bool angle) {
         double y = series_value(v++, x);
         if (angle) {
-            y = std::fmod(y, two_pi);
-            if (y < 0) y += two_pi;
+            y -= two_pi * std::floor(y / two_pi);
+            if (y >= two_pi) y -= two_pi;
         }
         value = y;
     });

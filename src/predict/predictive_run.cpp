@@ -303,10 +303,11 @@ void make_fits(const PredictiveParameters& p, PredictiveRun& r) {
     // The geocentric list where the searches, the true projection or a direction read it.
     lists.geo = !lists.lemni && view != "Heliocentric";
     lists.geo = lists.geo || p.mode == "P" || (p.mode == "B" && r.projection_mode == 2);
-    // Small steps take short windows: a series of fewer terms is read at every step.
+    // Small steps take short windows: a series of fewer terms is read at every step, and the
+    // windows' calculations are spread over many steps all the same.
     const auto fits_for = [&](double step, int direction) -> std::shared_ptr<BodyFits> {
-        const double days = step < 0.001 ? 8.0 : 128.0;
-        const int degree = step < 0.001 ? 40 : 112;
+        const double days = step < 0.001 ? 8.0 : step < 0.05 ? 16.0 : 128.0;
+        const int degree = step < 0.001 ? 40 : step < 0.05 ? 32 : 112;
         if (step <= 0 || (degree + 1) * step >= days / 2) return nullptr;
         return std::make_shared<BodyFits>(lists, days, degree, direction);
     };

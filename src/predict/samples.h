@@ -20,16 +20,23 @@ struct Differences {
 };
 Differences difference_samples(const Samples& y);
 
-// The zero between the second and fourth samples. `n` is the interpolating factor (from -1 to 1
-// across the two middle intervals); `rising` whether the samples rise through it.
+// The zeros between the second sample (left out) and the fourth (taken in). `n` is the
+// interpolating factor (from -1 to 1 across the two middle intervals); `rising` whether the curve
+// rises through it.
 struct Zero {
     bool found = false;
     double n = 0;
     bool rising = false;
 };
-// A middle sample farther than a tenth of a half circle from zero, or the three middle samples
-// on one side of it, have no zero; nor does a root outside the two middle intervals or one that
-// Newton's method does not settle on within a hundred passes.
+// A middle sample farther than a tenth of a half circle from zero has none; otherwise every
+// crossing of the five-point curve in the two middle intervals, in order (two of them where a
+// body turns back over a place between two samples).
+struct Zeros {
+    int count = 0;
+    std::array<Zero, 4> at{};
+};
+Zeros find_zeros(const Samples& y);
+// The first of them.
 Zero find_zero(const Samples& y);
 
 // The turning point about the middle sample, for stations.

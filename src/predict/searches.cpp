@@ -9,7 +9,9 @@
 #include "session/session.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -324,11 +326,39 @@ class Searcher {
             const double x = std::fabs(middle + offset);
             return x <= reach || std::fabs(x - two_pi) <= reach;
         };
-        for (int a = 0; a < table_.aspect_count; ++a) {
+        // The aspects each pair may be near, from the table of the separation's whole degrees,
+        // then taken aspect by aspect in the order of the set.
+        static thread_local std::vector<std::uint32_t> near_aspects;
+        near_aspects.resize(pairs.size());
+        std::uint32_t any = 0;
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+            const auto bin = std::min<std::size_t>(
+                static_cast<std::size_t>(std::fabs(pairs[i].middle) * rad_to_deg), 180);
+            near_aspects[i] = bodies_.aspect_bins[bin];
+            any |= near_aspects[i];
+        }
+        struct Candidate {
+            int a;
+            std::size_t pair;
+        };
+        static thread_local std::vector<Candidate> candidates;
+        candidates.clear();
+        for (std::uint32_t mask = any; mask != 0; mask &= mask - 1) {
+            const int a = std::countr_zero(mask);
+            for (std::size_t i = 0; i < pairs.size(); ++i)
+                if (near_aspects[i] >> a & 1u) candidates.push_back({a, i});
+        }
+        // Each pair's difference, continued across the circle, made once for all its aspects.
+        static thread_local std::vector<Samples> differences;
+        static thread_local std::vector<char> made;
+        differences.resize(pairs.size());
+        made.assign(pairs.size(), 0);
+        for (const auto& [a, pair] : candidates) {
+            const auto& [p, q, middle] = pairs[pair];
             const double angle = table_.angle[static_cast<std::size_t>(a)];
             const double widest = c.orb ? max_orb(a) * degree : 0.0;
             const double reach = pi / 10 + widest;
-            for (const auto& [p, q, middle] : pairs) {
+            {
                 if (!near(middle, -angle * degree, reach) && !near(middle, angle * degree, reach))
                     continue;
                 {
@@ -337,12 +367,18 @@ class Searcher {
                     if (!aspect_allowed(table_, a, cp, cq)) continue;
                     const Samples& P = moving.samples[static_cast<std::size_t>(p)];
                     const Samples& Q = target.samples[static_cast<std::size_t>(q)];
+                    Samples& D = differences[pair];
+                    if (!made[pair]) {
+                        for (std::size_t i = 0; i < 5; ++i) D[i] = P[i] - Q[i];
+                        unwrap_samples(D);
+                        made[pair] = 1;
+                    }
                     const bool one_sided = !(angle > 0 && angle < 180);
                     if (c.aspects) {
-                        crossing(P, Q, -angle * degree, kind, "", moving, p, target, q, which,
+                        crossing(D, 1, -angle * degree, kind, "", moving, p, target, q, which,
                                  chart, a);
                         if (!one_sided)
-                            crossing(P, Q, angle * degree, kind, "", moving, p, target, q, which,
+                            crossing(D, 1, angle * degree, kind, "", moving, p, target, q, which,
                                      chart, a);
                     }
                     if (!orb_pass) continue;
@@ -354,18 +390,17 @@ class Searcher {
                         const double sp = std::fabs(std::remainder(P[3] - P[2], two_pi));
                         moving_first = sq < sp;
                     }
-                    const Samples& F = moving_first ? P : Q;
-                    const Samples& G = moving_first ? Q : P;
-                    orb_edge(F, G, -(angle - o) * degree, "AE", "AL", kind, moving, p, target, q,
+                    const double sign = moving_first ? 1 : -1;
+                    orb_edge(D, sign, -(angle - o) * degree, "AE", "AL", kind, moving, p, target, q,
                              which, chart, a);
                     if (!one_sided)
-                        orb_edge(F, G, (angle + o) * degree, "AE", "AL", kind, moving, p, target, q,
-                                 which, chart, a);
-                    orb_edge(F, G, -(angle + o) * degree, "SL", "SE", kind, moving, p, target, q,
+                        orb_edge(D, sign, (angle + o) * degree, "AE", "AL", kind, moving, p, target,
+                                 q, which, chart, a);
+                    orb_edge(D, sign, -(angle + o) * degree, "SL", "SE", kind, moving, p, target, q,
                              which, chart, a);
                     if (!one_sided)
-                        orb_edge(F, G, (angle - o) * degree, "SL", "SE", kind, moving, p, target, q,
-                                 which, chart, a);
+                        orb_edge(D, sign, (angle - o) * degree, "SL", "SE", kind, moving, p, target,
+                                 q, which, chart, a);
                 }
             }
         }
@@ -378,29 +413,40 @@ class Searcher {
                          table_.orb_elements[k], table_.orb_stars[k]});
     }
 
-    // y = P - Q + offset: an exact aspect where it crosses zero.
-    void crossing(const Samples& P, const Samples& Q, double offset, const std::string& kind,
+    // y = sign * D + offset for a pair's continued difference D, its middle sample brought
+    // within half a circle of zero, as unwrapping the five values would leave it; false when
+    // that middle lies beyond a tenth of a half circle, where no zero is looked for.
+    static bool offset_samples(const Samples& D, double sign, double offset, Samples& y) {
+        const double middle = sign * D[2] + offset;
+        const double turns = std::nearbyint(middle / two_pi);
+        if (std::fabs(middle - two_pi * turns) > pi / 10 + 1e-15) return false;
+        for (std::size_t i = 0; i < 5; ++i) y[i] = sign * D[i] + offset - two_pi * turns;
+        return true;
+    }
+
+    // An exact aspect where P - Q + offset crosses zero.
+    void crossing(const Samples& D, double sign, double offset, const std::string& kind,
                   const std::string& orb_kind, const BodyList& moving, int p,
                   const BodyList& target, int q, Lists which, const FixedChart* chart, int a) {
-        if (!middle_near_zero(P[2] - Q[2] + offset)) return;
         Samples y;
-        for (std::size_t i = 0; i < 5; ++i) y[i] = P[i] - Q[i] + offset;
-        unwrap_samples(y);
-        const Zero z = find_zero(y);
-        if (!z.found) return;
-        store_aspect(kind, orb_kind, z.n, moving, p, target, q, which, chart, a);
+        if (!offset_samples(D, sign, offset, y)) return;
+        const Zeros zeros = find_zeros(y);
+        for (int i = 0; i < zeros.count; ++i)
+            store_aspect(kind, orb_kind, zeros.at[static_cast<std::size_t>(i)].n, moving, p, target,
+                         q, which, chart, a);
     }
-    void orb_edge(const Samples& F, const Samples& G, double offset, const char* rising_kind,
+    // An orb's edge where F - G + offset crosses zero (F the faster of the pair).
+    void orb_edge(const Samples& D, double sign, double offset, const char* rising_kind,
                   const char* falling_kind, const std::string& kind, const BodyList& moving, int p,
                   const BodyList& target, int q, Lists which, const FixedChart* chart, int a) {
-        if (!middle_near_zero(F[2] - G[2] + offset)) return;
         Samples y;
-        for (std::size_t i = 0; i < 5; ++i) y[i] = F[i] - G[i] + offset;
-        unwrap_samples(y);
-        const Zero z = find_zero(y);
-        if (!z.found) return;
-        store_aspect(kind, z.rising ? rising_kind : falling_kind, z.n, moving, p, target, q, which,
-                     chart, a);
+        if (!offset_samples(D, sign, offset, y)) return;
+        const Zeros zeros = find_zeros(y);
+        for (int i = 0; i < zeros.count; ++i) {
+            const Zero& z = zeros.at[static_cast<std::size_t>(i)];
+            store_aspect(kind, z.rising ? rising_kind : falling_kind, z.n, moving, p, target, q,
+                         which, chart, a);
+        }
     }
 
     void store_aspect(const std::string& kind, const std::string& orb_kind, double n,
@@ -453,15 +499,17 @@ class Searcher {
                         y[i] = Pp[i] - Pq[i] + (sense == 0 ? -separation : separation);
                     }
                     unwrap_samples(y);
-                    const Zero z = find_zero(y);
-                    if (!z.found) continue;
-                    Hit& h = add_hit(kind, z.n);
-                    put_moving(h, moving, p, z.n);
-                    const Interpolated second = interpolate_body(Pq, z.n, run_.run_direction);
-                    h.pos_2 = second.value;
-                    h.retro_2 = second.retro;
-                    h.body_2 = glyph_text(moving.glyphs[q]) + moving.mark;
-                    h.aspect_glyph = sense == 0 ? "F" : "R";
+                    const Zeros zeros = find_zeros(y);
+                    for (int i = 0; i < zeros.count; ++i) {
+                        const Zero& z = zeros.at[static_cast<std::size_t>(i)];
+                        Hit& h = add_hit(kind, z.n);
+                        put_moving(h, moving, p, z.n);
+                        const Interpolated second = interpolate_body(Pq, z.n, run_.run_direction);
+                        h.pos_2 = second.value;
+                        h.retro_2 = second.retro;
+                        h.body_2 = glyph_text(moving.glyphs[q]) + moving.mark;
+                        h.aspect_glyph = sense == 0 ? "F" : "R";
+                    }
                 }
             }
         }
@@ -487,18 +535,23 @@ class Searcher {
                 Samples y;
                 for (std::size_t i = 0; i < 5; ++i) y[i] = P[i] - boundary;
                 unwrap_samples(y);
-                const Zero z = find_zero(y);
-                if (!z.found || (forward_only && !z.rising)) continue;
-                Hit& h = add_hit(k, z.n);
-                put_moving(h, moving, p, z.n);
-                h.orb_kind = z.rising ? "TO" : "FROM";
-                const int before = place == 1 ? 12 : place - 1;
-                if (k == "IH") {
-                    h.target_glyph = std::to_string(place);
-                    h.target_next = std::to_string(before);
-                } else {
-                    h.target_glyph = glyph_text(sign_glyphs[static_cast<std::size_t>(place - 1)]);
-                    h.target_next = glyph_text(sign_glyphs[static_cast<std::size_t>(before - 1)]);
+                const Zeros zeros = find_zeros(y);
+                for (int i = 0; i < zeros.count; ++i) {
+                    const Zero& z = zeros.at[static_cast<std::size_t>(i)];
+                    if (forward_only && !z.rising) continue;
+                    Hit& h = add_hit(k, z.n);
+                    put_moving(h, moving, p, z.n);
+                    h.orb_kind = z.rising ? "TO" : "FROM";
+                    const int before = place == 1 ? 12 : place - 1;
+                    if (k == "IH") {
+                        h.target_glyph = std::to_string(place);
+                        h.target_next = std::to_string(before);
+                    } else {
+                        h.target_glyph =
+                            glyph_text(sign_glyphs[static_cast<std::size_t>(place - 1)]);
+                        h.target_next =
+                            glyph_text(sign_glyphs[static_cast<std::size_t>(before - 1)]);
+                    }
                 }
             }
         }
@@ -569,6 +622,21 @@ BodySelection select_bodies(const Session& s, const PredictiveParameters& params
     // The stars of the charts are aspected only.
     for (unsigned char star : s.stars.star_glyphs)
         if (star != 0) b.radical[star] = params.on("c_stars");
+    // For each whole degree of separation (0 to 180), the aspects within reach of it: a tenth of
+    // a half circle, and the widest orb when the orbs are searched.
+    const AspectTable& table = s.option_sets.aspects;
+    const bool orb = params.on("orb");
+    for (int a = 0; a < table.aspect_count && a < 32; ++a) {
+        const auto k = static_cast<std::size_t>(a);
+        const double widest =
+            orb ? std::max({table.orb_sun[k], table.orb_moon[k], table.orb_planets[k],
+                            table.orb_elements[k], table.orb_stars[k]})
+                : 0.0;
+        const double reach = 18.0 + widest + 1e-9;
+        for (int bin = 0; bin <= 180; ++bin)
+            if (bin + 1 >= table.angle[k] - reach && bin <= table.angle[k] + reach)
+                b.aspect_bins[static_cast<std::size_t>(bin)] |= std::uint32_t{1} << a;
+    }
     b.radical[Searcher::glyph_helio_nodes] = params.on("c_helio_nodes");
     b.radical[Searcher::glyph_helio_perihelia] = params.on("c_helio_perihelions");
     return b;

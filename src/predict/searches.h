@@ -7,6 +7,7 @@
 #include "session/predictive_state.h"
 
 #include <array>
+#include <cstdint>
 
 namespace celestark {
 
@@ -15,6 +16,9 @@ struct Session;
 // Which bodies the run moves and which it aspects, by glyph code; made at the start of a run.
 struct BodySelection {
     std::array<bool, 256> moving{}, radical{};
+    // For each whole degree of a pair's separation (0 to 180), the aspects of the set (bit by
+    // number) that a search may find from it.
+    std::array<std::uint32_t, 181> aspect_bins{};
 };
 BodySelection select_bodies(const Session& s, const PredictiveParameters& params);
 

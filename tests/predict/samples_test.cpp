@@ -57,6 +57,21 @@ TEST(FindZero, AcrossTheFullCircle) {
     }
 }
 
+TEST(FindZeros, BothCrossingsOfABodyTurningBackOverAPlace) {
+    // The body dips below the place and back between two samples; its direction at each
+    // crossing is that of the curve, whatever the samples beyond the station say.
+    const Samples y = samples_of([](double n) { return 0.001 * ((n - 0.1) * (n - 0.1) - 0.04); });
+    const Zeros z = find_zeros(y);
+    ASSERT_EQ(z.count, 2);
+    EXPECT_NEAR(z.at[0].n, -0.1, 1e-12);
+    EXPECT_FALSE(z.at[0].rising);
+    EXPECT_NEAR(z.at[1].n, 0.3, 1e-12);
+    EXPECT_TRUE(z.at[1].rising);
+    // A root on the second slot belongs to the search before; one on the fourth to this one.
+    EXPECT_EQ(find_zeros(samples_of([](double n) { return 0.01 * (n + 1); })).count, 0);
+    EXPECT_EQ(find_zeros(samples_of([](double n) { return 0.01 * (n - 1); })).count, 1);
+}
+
 TEST(FindExtremum, StationOfAParabola) {
     const Samples y = samples_of([](double n) { return 1.0 - 0.003 * (n - 0.4) * (n - 0.4); });
     const Extremum x = find_extremum(y);
