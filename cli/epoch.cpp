@@ -16,16 +16,6 @@ namespace celestark::cli {
 
 namespace {
 
-// A text as one CSV field, quoted.
-std::string quoted(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + '"';
-}
-
 double degrees(double radians) {
     return std::fmod(std::fmod(radians * rad_to_deg, 360.0) + 360.0, 360.0);
 }
@@ -118,7 +108,7 @@ int command_epoch(const Options& o) {
                     two_digits(text_to_i16(row[col::secs])).c_str(),
                     pad_left("00" + trim(row[col::msecs]), 3).c_str(), degrees(m.moon),
                     degrees(m.ascendant), k >= 2 && ep.recommended == k - 1 ? 1 : 0,
-                    quoted(symbol_text_utf8(ep.lines[i])).c_str());
+                    csv_quoted(symbol_text_utf8(ep.lines[i])).c_str());
     }
     return 0;
 }

@@ -24,30 +24,19 @@ int fail(const std::string& message) {
     return 2;
 }
 
+std::string csv_quoted(const std::string& text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        if (c == '"') out += '"';
+        out += c;
+    }
+    return out + '"';
+}
+
 std::string body_name(unsigned char code) {
+    if (code >= glyph::sun && code <= glyph::earth)
+        return std::string(body_words[code - glyph::sun]);
     switch (code) {
-    case glyph::sun:
-        return "sun";
-    case glyph::moon:
-        return "moon";
-    case glyph::mercury:
-        return "mercury";
-    case glyph::venus:
-        return "venus";
-    case glyph::mars:
-        return "mars";
-    case glyph::jupiter:
-        return "jupiter";
-    case glyph::saturn:
-        return "saturn";
-    case glyph::uranus:
-        return "uranus";
-    case glyph::neptune:
-        return "neptune";
-    case glyph::pluto:
-        return "pluto";
-    case glyph::earth:
-        return "earth";
     case glyph::chiron:
         return "chiron";
     case glyph::juno:

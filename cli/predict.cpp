@@ -30,15 +30,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string quoted(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + '"';
-}
-
 // The rows of a run as they come: a list never fills.
 class ListPrinter : public HitPrinter {
   public:
@@ -222,7 +213,7 @@ int command_predict(const Options& o) {
         std::printf("%.6f,%s,%s,%s,%s,%s,%s,%s\n", h.life_date, d.date.c_str(), d.time.c_str(),
                     h.kind.c_str(), body_name(static_cast<unsigned char>(h.body_1[0])).c_str(),
                     radical_name(h).c_str(), angle,
-                    quoted(symbol_text_utf8(hit_text(s, h))).c_str());
+                    csv_quoted(symbol_text_utf8(hit_text(s, h))).c_str());
     }
     return 0;
 }

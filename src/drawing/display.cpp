@@ -500,4 +500,23 @@ void Drawing::end_page() {
         out->end_page();
 }
 
+float mixed_text_width(Drawing& g, std::string_view text) {
+    const auto symbol = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
+    float total = 0;
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const bool symbols = symbol(text[i]);
+        std::size_t j = i;
+        while (j < text.size() && symbol(text[j]) == symbols) ++j;
+        float w = 0, h = 0;
+        if (symbols)
+            g.display_symbol_w_h(text.substr(i, j - i), 1.0f, w, h);
+        else
+            g.display_text_w_h(text.substr(i, j - i), 1.0f, w, h);
+        total += w;
+        i = j;
+    }
+    return total;
+}
+
 } // namespace celestark::drawing

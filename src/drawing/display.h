@@ -98,4 +98,8 @@ class Drawing {
 // for a code the table does not name (the stars and plain text are decided by the caller).
 int glyph_colour_field(unsigned char code, GlyphColumn column);
 
+// The width of a text that mixes letters and symbol codes (at or above 128), at the size 1: each
+// run measured in its own font.
+float mixed_text_width(Drawing& g, std::string_view text);
+
 } // namespace celestark::drawing

@@ -303,4 +303,13 @@ void PrinterCanvas::end_document() {
     if (painter_.isActive()) painter_.end();
 }
 
+RasterCanvas& window_canvas(std::unique_ptr<RasterCanvas>& canvas, int width, int height,
+                            double pixel_ratio) {
+    const int w = std::max(1, static_cast<int>(std::lround(width * pixel_ratio)));
+    const int h = std::max(1, static_cast<int>(std::lround(height * pixel_ratio)));
+    if (!canvas || canvas->image().width() != w || canvas->image().height() != h)
+        canvas = std::make_unique<RasterCanvas>(w, h, static_cast<float>(width) * 15.0f);
+    return *canvas;
+}
+
 } // namespace celestark::drawing

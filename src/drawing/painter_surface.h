@@ -80,6 +80,11 @@ class RasterCanvas : public PainterSurface {
     QImage image_;
 };
 
+// A window's canvas at its size in device pixels (15 twips a logical pixel), made again when the
+// size has changed.
+RasterCanvas& window_canvas(std::unique_ptr<RasterCanvas>& canvas, int width, int height,
+                            double pixel_ratio);
+
 // A PDF document, one page a call of end_page; fonts embedded with their Unicode map.
 class PdfCanvas : public PainterSurface {
   public:

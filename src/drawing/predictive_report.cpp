@@ -45,30 +45,6 @@ std::string glyph_text(unsigned char code) {
     return std::string(1, static_cast<char>(code));
 }
 
-bool is_symbol(char c) {
-    return static_cast<unsigned char>(c) >= 0x80;
-}
-
-// A text that mixes letters and symbol codes; the degree marks of plain text are UTF-8, so a
-// run of symbols is told by the codes of the symbol font alone.
-float mixed_width(Drawing& g, std::string_view text) {
-    float total = 0;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const bool symbols = is_symbol(text[i]);
-        std::size_t j = i;
-        while (j < text.size() && is_symbol(text[j]) == symbols) ++j;
-        float w = 0, h = 0;
-        if (symbols)
-            g.display_symbol_w_h(text.substr(i, j - i), 1.0f, w, h);
-        else
-            g.display_text_w_h(text.substr(i, j - i), 1.0f, w, h);
-        total += w;
-        i = j;
-    }
-    return total;
-}
-
 float text_width(Drawing& g, const std::string& text) {
     float w = 0, h = 0;
     g.display_text_w_h(text, 1.0f, w, h);
@@ -225,7 +201,7 @@ const Hit* PredictiveReport::hit_at(float x, float y) const {
 
 void PredictiveReport::fitted_text(float x, float y, const std::string& text, float room) {
     if (text.empty()) return;
-    const float w = mixed_width(g_, text);
+    const float w = mixed_text_width(g_, text);
     const bool smaller = room > 0 && w > room;
     if (smaller) g_.display_font_size(std::max(0.01f, font_ * room / w));
     draw_mixed_outside(g_, x, y, text);
@@ -319,13 +295,13 @@ void PredictiveReport::lay_out_cells(Session& s) {
         case K::age:
             return text_width(g_, "88y 88m");
         case K::planet_1:
-            return mixed_width(g_, wide.planet_1);
+            return mixed_text_width(g_, wide.planet_1);
         case K::phenomenon:
-            return std::max(mixed_width(g_, wide.phenomenon), text_width(g_, "FROM"));
+            return std::max(mixed_text_width(g_, wide.phenomenon), text_width(g_, "FROM"));
         case K::planet_2:
-            return mixed_width(g_, wide.planet_2);
+            return mixed_text_width(g_, wide.planet_2);
         default:
-            return mixed_width(g_, wide.phenomenon + "  " + wide.planet_2);
+            return mixed_text_width(g_, wide.phenomenon + "  " + wide.planet_2);
         }
     };
 

@@ -237,24 +237,6 @@ struct SideRow {
     std::string first, second; // texts that may hold symbol codes
 };
 
-float mixed_width(Drawing& g, const std::string& text) {
-    float total = 0;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const bool symbols = static_cast<unsigned char>(text[i]) >= 0x80;
-        std::size_t j = i;
-        while (j < text.size() && (static_cast<unsigned char>(text[j]) >= 0x80) == symbols) ++j;
-        float w = 0, h = 0;
-        if (symbols)
-            g.display_symbol_w_h(text.substr(i, j - i), 1.0f, w, h);
-        else
-            g.display_text_w_h(text.substr(i, j - i), 1.0f, w, h);
-        total += w;
-        i = j;
-    }
-    return total;
-}
-
 // The lines that say what the picture shows, then a table of the bodies with a value at each of
 // the two moments; in two blocks side by side when it stands under the wheel.
 void side_table(Drawing& g, const WheelLayout& l, const std::vector<std::string>& legend,
@@ -271,13 +253,14 @@ void side_table(Drawing& g, const WheelLayout& l, const std::vector<std::string>
     fit_table_font(g, row, 1.2f);
     // Set smaller while the legend or the blocks are wider than the room.
     float widest = 0, w = 0, h = 0;
-    for (const std::string& line : legend) widest = std::max(widest, mixed_width(g, line));
-    float glyph_w = 0, first_w = mixed_width(g, first_head), second_w = mixed_width(g, second_head);
+    for (const std::string& line : legend) widest = std::max(widest, mixed_text_width(g, line));
+    float glyph_w = 0, first_w = mixed_text_width(g, first_head),
+          second_w = mixed_text_width(g, second_head);
     for (const SideRow& r : rows) {
         g.display_symbol_w_h(glyph_text(r.glyph), 1.0f, w, h);
         glyph_w = std::max(glyph_w, w);
-        first_w = std::max(first_w, mixed_width(g, r.first));
-        second_w = std::max(second_w, mixed_width(g, r.second));
+        first_w = std::max(first_w, mixed_text_width(g, r.first));
+        second_w = std::max(second_w, mixed_text_width(g, r.second));
     }
     const float gap = d.table_half_space * 4;
     const float block = glyph_w + first_w + second_w + gap * 2;

@@ -318,27 +318,9 @@ RunChoices read_predictive_parameters(const PredictiveParameters& p) {
 }
 
 std::string body_flag(unsigned char glyph) {
+    if (glyph >= glyph::sun && glyph <= glyph::earth)
+        return std::string(body_words[glyph - glyph::sun]);
     switch (glyph) {
-    case glyph::sun:
-        return "sun";
-    case glyph::moon:
-        return "moon";
-    case glyph::mercury:
-        return "mercury";
-    case glyph::venus:
-        return "venus";
-    case glyph::mars:
-        return "mars";
-    case glyph::jupiter:
-        return "jupiter";
-    case glyph::saturn:
-        return "saturn";
-    case glyph::uranus:
-        return "uranus";
-    case glyph::neptune:
-        return "neptune";
-    case glyph::pluto:
-        return "pluto";
     case glyph::north_node:
     case glyph::south_node:
         return "node";
@@ -351,8 +333,6 @@ std::string body_flag(unsigned char glyph) {
     case glyph::midheaven:
     case 'M':
         return "mid_heaven";
-    case glyph::earth:
-        return "earth";
     case glyph::chiron:
         return "chiron";
     // The asteroids, and the far bodies beside them, share one flag.

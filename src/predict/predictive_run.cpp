@@ -7,6 +7,7 @@
 #include "predict/progressions.h"
 #include "predict/samples.h"
 #include "predict/searches.h"
+#include "session/angles.h"
 #include "session/calendar.h"
 #include "session/constants.h"
 #include "session/session.h"
@@ -25,14 +26,6 @@ namespace {
 
 constexpr double sidereal_month = 27.32166;
 constexpr double synodic_month = 29.53059;
-
-// The difference a - b brought into -pi to +pi.
-double arc(double a, double b) {
-    double d = std::fmod(a - b, two_pi);
-    if (d >= pi) d -= two_pi;
-    if (d <= -pi) d += two_pi;
-    return d;
-}
 
 // The place of a moving body in a fixed chart: by glyph, since the chart's list carries points
 // the stepped list does not.
@@ -116,7 +109,7 @@ void apply_arc(Session& s, Sample& slot) {
     const std::string& kind = r.choices.progression;
     if (s.predictive_params.mode != "P" || (kind != "Solar Arc" && kind != "OD")) return;
     const double d = kind == "OD" ? (slot.time - r.birth_jd) * deg_to_rad / 365.2422
-                                  : arc(slot.geo[geo::sun], r.birth.sun);
+                                  : rad_diff(slot.geo[geo::sun], r.birth.sun);
     for (int p = 0; p < r.geo_count; ++p) {
         const int q = fixed_index(r.birth, r.geo_glyph[static_cast<std::size_t>(p)]);
         if (q >= 0)
@@ -515,11 +508,11 @@ double map_to_life_date(const Session& s, double t, int slot) {
     const int code = static_cast<int>(r.time_ratio_code);
     double a = 0;
     if (code <= 2)
-        a = arc(moon, origin.moon);
+        a = rad_diff(moon, origin.moon);
     else if (code <= 4)
-        a = arc(arc(moon, sun), arc(origin.moon, origin.sun));
+        a = rad_diff(rad_diff(moon, sun), rad_diff(origin.moon, origin.sun));
     else
-        a = arc(sun, origin.sun);
+        a = rad_diff(sun, origin.sun);
     if (r.run_direction > 0 && a < 0) a += two_pi;
     if (r.run_direction < 0 && a > 0) a -= two_pi;
     const double P = r.precession_degree_days;

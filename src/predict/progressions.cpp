@@ -3,6 +3,7 @@
 #include "engine/chart.h"
 #include "engine/epoch.h"
 #include "engine/houses.h"
+#include "session/angles.h"
 #include "session/calendar.h"
 #include "session/constants.h"
 #include "session/event.h"
@@ -18,13 +19,6 @@ namespace celestark {
 namespace {
 
 constexpr double tropical_year = 365.2422;
-
-double arc(double a, double b) {
-    double d = std::fmod(a - b, two_pi);
-    if (d >= pi) d -= two_pi;
-    if (d <= -pi) d += two_pi;
-    return d;
-}
 
 double circle(double a) {
     a = std::fmod(a, two_pi);
@@ -98,7 +92,7 @@ bool calculate_progressed_event(Session& s, int base_row, int progressed_row,
         calculate_chart(s, progressed_row, true);
         const double sun = e.pos.geo_long[geo::sun];
         calculate_chart(s, base_row, true);
-        shift_chart(s, arc(sun, e.pos.geo_long[geo::sun]));
+        shift_chart(s, rad_diff(sun, e.pos.geo_long[geo::sun]));
         return true;
     }
     if (kind == "OD") {

@@ -89,6 +89,12 @@ inline constexpr unsigned char sun = 161, moon = 162, mercury = 163, venus = 164
                                minute = 249;
 } // namespace glyph
 
+// The names of the Sun to Pluto and the Earth, by their glyphs from glyph::sun on, as the
+// command line and the run's screen call them.
+inline constexpr std::array<std::string_view, 11> body_words = {
+    "sun",    "moon",   "mercury", "venus", "mars", "jupiter",
+    "saturn", "uranus", "neptune", "pluto", "earth"};
+
 // Aries to Pisces, with a thirteenth entry repeating Aries so that a position rounded up to 360
 // degrees still shows in Aries.
 inline constexpr std::array<unsigned char, 13> sign_glyphs = {209, 210, 211, 212, 213, 214, 215,

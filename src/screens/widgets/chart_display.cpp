@@ -48,12 +48,7 @@ ChartCanvas::ChartCanvas(QWidget* parent, std::function<void()> redraw)
 ChartCanvas::~ChartCanvas() = default;
 
 drawing::RasterCanvas& ChartCanvas::canvas() {
-    const qreal ratio = devicePixelRatioF();
-    const int w = std::max(1, static_cast<int>(std::lround(width() * ratio)));
-    const int h = std::max(1, static_cast<int>(std::lround(height() * ratio)));
-    if (!canvas_ || canvas_->image().width() != w || canvas_->image().height() != h)
-        canvas_ = std::make_unique<drawing::RasterCanvas>(w, h, width() * twips_per_pixel);
-    return *canvas_;
+    return drawing::window_canvas(canvas_, width(), height(), devicePixelRatioF());
 }
 
 void ChartCanvas::paintEvent(QPaintEvent*) {
