@@ -53,10 +53,11 @@ Zeros find_zeros(const Samples& y) {
     Zeros out;
     // A middle sample far from zero: anything found would be a false root across the wrap.
     if (std::fabs(y[2]) > pi / 10) return out;
-    // The three middle samples on one side of zero and running one way: a body does not turn
-    // twice within two steps, so the curve does not reach zero between them.
+    // The three middle samples on one side of zero and all five running one way: a body does
+    // not turn and turn back within four steps, so the curve does not reach zero between them.
     const bool one_side = (y[1] > 0 && y[2] > 0 && y[3] > 0) || (y[1] < 0 && y[2] < 0 && y[3] < 0);
-    const bool one_way = (y[1] < y[2] && y[2] < y[3]) || (y[1] > y[2] && y[2] > y[3]);
+    const bool one_way = (y[0] < y[1] && y[1] < y[2] && y[2] < y[3] && y[3] < y[4]) ||
+                         (y[0] > y[1] && y[1] > y[2] && y[2] > y[3] && y[3] > y[4]);
     if (one_side && one_way) return out;
     // Nor does a place held still (the lemnicentric Sun and Earth between their jumps).
     if (y[0] == y[2] && y[1] == y[2] && y[3] == y[2] && y[4] == y[2]) return out;
