@@ -87,6 +87,18 @@ void BodyFits::fit_window(Session& s, double jd, double width) {
     ++windows_;
     const int nodes = degree_ + 1;
     const double middle = (start_ + end_) / 2, half = (end_ - start_) / 2;
+    // Geocentric longitudes alone take nothing from the Moon's latitude and distance series,
+    // a quarter of the work of a moment.
+    const CalcSwitches switches = s.engine.calc;
+    if (!lists_.helio && !lists_.lemni) {
+        s.engine.calc.calc_moon_lat = false;
+        s.engine.calc.calc_moon_dist = false;
+    }
+    struct Restore {
+        Session& s;
+        CalcSwitches switches;
+        ~Restore() { s.engine.calc = switches; }
+    } restore{s, switches};
     std::size_t count = 0;
     for (int k = 0; k < nodes; ++k) {
         const double x = std::cos(pi * (k + 0.5) / nodes);

@@ -258,13 +258,13 @@ TEST_F(PredictiveRunTest, FittedBodiesAgreeWithTheEngine) {
         int degree;
     };
     for (const Case& c :
-         {Case{{true, true, false}, 128.0, 112}, Case{{true, false, true}, 16.0, 32},
-          Case{{false, false, true}, 8.0, 40}}) {
+         {Case{{true, false, false}, 128.0, 112}, Case{{true, true, false}, 128.0, 112},
+          Case{{true, false, true}, 16.0, 32}, Case{{false, false, true}, 8.0, 40}}) {
         BodyFits fits(c.lists, c.days, c.degree, 1);
         Session direct = s;
         double worst_series = 0, worst_tables = 0;
-        for (int i = 0; i < 150; ++i) {
-            const double jd = 2415020.5 + i * 487.2371;
+        for (int i = 0; i < 100; ++i) {
+            const double jd = 2415020.5 + i * 731.2371;
             for (const double t : {jd, jd + 0.37, jd + 5.3}) {
                 fits.bodies_at(s, t);
                 direct.engine.earth_rates_level = 0;
