@@ -88,11 +88,17 @@ void BodyFits::fit_window(Session& s, double jd, double width) {
     const int nodes = degree_ + 1;
     const double middle = (start_ + end_) / 2, half = (end_ - start_) / 2;
     // Geocentric longitudes alone take nothing from the Moon's latitude and distance series,
-    // a quarter of the work of a moment.
+    // a quarter of the work of a moment; heliocentric and lemnicentric places without the
+    // geocentric list take nothing from the Moon at all, unless it stands in the heliocentric
+    // list.
     const CalcSwitches switches = s.engine.calc;
     if (!lists_.helio && !lists_.lemni) {
         s.engine.calc.calc_moon_lat = false;
         s.engine.calc.calc_moon_dist = false;
+    }
+    if (!lists_.geo && !s.chart.helio_moon) {
+        s.engine.calc.calc_moon_long = s.engine.calc.calc_moon_lat = false;
+        s.engine.calc.calc_moon_dist = s.engine.calc.calc_nodes = false;
     }
     struct Restore {
         Session& s;
