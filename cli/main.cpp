@@ -138,6 +138,7 @@ void usage() {
                 "          [--to YYYY-MM-DD] [--aspect-set NAME] [--zone ZONE]"
                 " [--set NAME=VALUE,...]\n"
                 "          [--report FILE.pdf]\n"
+                "  eclipses --from YYYY-MM-DD --to YYYY-MM-DD\n"
                 "  render --page WORD --out FILE.png|.pdf|.svg (--db FILE --table NAME --row N |"
                 " EVENT)\n"
                 "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
@@ -177,6 +178,7 @@ int main(int argc, char** argv) {
     if (command == "render") return cli::command_render(args.options);
     if (command == "epoch") return cli::command_epoch(args.options);
     if (command == "predict") return cli::command_predict(args.options);
+    if (command == "eclipses") return cli::command_eclipses(args.options);
     if (command == "init") return cli::command_init(args.positional);
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);

@@ -8,13 +8,16 @@
 #include "drawing/predictive_report.h"
 #include "engine/epoch.h"
 #include "predict/body_fits.h"
+#include "predict/eclipses.h"
 #include "predict/hit_text.h"
 #include "predict/predictive_controls.h"
 #include "predict/predictive_run.h"
+#include "session/calendar.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
 #include "session/text.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -214,6 +217,46 @@ int command_predict(const Options& o) {
                     h.kind.c_str(), body_name(static_cast<unsigned char>(h.body_1[0])).c_str(),
                     radical_name(h).c_str(), angle,
                     csv_quoted(symbol_text_utf8(hit_text(s, h))).c_str());
+    }
+    return 0;
+}
+
+int command_eclipses(const Options& o) {
+    // The dates on the Gregorian calendar from its start, on the Julian before it.
+    const auto calendar_of = [](double jd) { return jd >= 2299160.5 ? "G" : "J"; };
+    double span[2] = {0, 0};
+    const char* names[2] = {"from", "to"};
+    for (int i = 0; i < 2; ++i) {
+        const auto it = o.find(names[i]);
+        int y = 0, m = 0, d = 0;
+        char tail = 0;
+        if (it == o.end() ||
+            std::sscanf(it->second.c_str(), "%d-%d-%d%c", &y, &m, &d, &tail) != 3 || m < 1 ||
+            m > 12 || d < 1 || d > 31)
+            return fail("eclipses needs --from YYYY-MM-DD --to YYYY-MM-DD");
+        span[i] = julian_date(d, m, y, "G", 0);
+        if (span[i] < 2299160.5) span[i] = julian_date(d, m, y, "J", 0);
+    }
+    if (span[1] < span[0]) return fail("--to lies before --from");
+    if (span[1] - span[0] > 36525.0 * 50) return fail("eclipses covers at most 5,000 years a call");
+    Session s;
+    initialise_session(s, fs::current_path().string());
+    if (!attach_body_tables(s)) return 2;
+    std::vector<EclipseRow> rows = eclipses_between(s, span[0], span[1]);
+    std::erase_if(rows, [&](const EclipseRow& r) { return r.eclipse.jd_ut > span[1] + 1; });
+    std::stable_sort(rows.begin(), rows.end(), [](const EclipseRow& a, const EclipseRow& b) {
+        return a.eclipse.jd_ut < b.eclipse.jd_ut;
+    });
+    std::printf("kind,type,jd_ut,date,time,magnitude,sun_lon_deg,moon_lon_deg\n");
+    for (const EclipseRow& r : rows) {
+        const Eclipse& e = r.eclipse;
+        const double minutes = std::floor((e.jd_ut + 0.5) * 1440.0 + 0.5);
+        const double day = std::floor(minutes / 1440.0);
+        const CivilDate d = date_from_julian(day - 0.5 + 1e-9, calendar_of(e.jd_ut));
+        const int of_day = static_cast<int>(minutes - day * 1440.0);
+        std::printf("%s,%s,%.6f,%d-%02d-%02d,%02d:%02d,%.4f,%.6f,%.6f\n", e.kind.c_str(),
+                    e.type.c_str(), e.jd_ut, d.year, d.month, static_cast<int>(d.day), of_day / 60,
+                    of_day % 60, e.magnitude, r.sun * rad_to_deg, r.moon * rad_to_deg);
     }
     return 0;
 }

@@ -10,6 +10,10 @@ namespace celestark::cli {
 // [--set NAME=VALUE,...] [--report FILE.pdf] with the event options of render.
 int command_predict(const std::map<std::string, std::string>& options);
 
+// eclipses --from YYYY-MM-DD --to YYYY-MM-DD: every solar and lunar eclipse of the span, in date
+// order, as CSV "kind,type,jd_ut,date,time,magnitude,sun_lon_deg,moon_lon_deg" (Universal Time).
+int command_eclipses(const std::map<std::string, std::string>& options);
+
 // bench --what run-transits|run-biography [--direct]: seconds for a hundred years of transits
 // (geocentric, with the Moon, every planet against the birth, aspects, signs and stations) or a
 // lifetime biography (lemnicentric, with the Moon); --direct calculates every step.

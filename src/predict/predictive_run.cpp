@@ -3,6 +3,7 @@
 #include "engine/chart.h"
 #include "engine/houses.h"
 #include "predict/body_fits.h"
+#include "predict/eclipses.h"
 #include "predict/predictive_controls.h"
 #include "predict/progressions.h"
 #include "predict/samples.h"
@@ -309,6 +310,25 @@ void make_fits(const PredictiveParameters& p, PredictiveRun& r) {
     if (!r.ab_prenatal) r.life_fits = fits_for(step * r.time_ratio, 1);
 }
 
+// The eclipses of the run's span: the life span, or for progressions and prenatal biographies
+// the stepped span that stands for it.
+void build_eclipse_list(Session& s) {
+    PredictiveRun& r = s.predictive;
+    const std::string& mode = s.predictive_params.mode;
+    double first = r.life_start, last = r.life_end;
+    if (mode == "P") {
+        first = progressed_moment(r.choices.progression, r.birth_jd, r.life_start, r.run_direction);
+        last = progressed_moment(r.choices.progression, r.birth_jd, r.life_end, r.run_direction);
+        if (first > last) std::swap(first, last);
+    } else if (mode == "B" && r.ab_prenatal) {
+        first = r.ab_mode == 2 ? r.birth_jd : r.epoch_jd;
+        last = r.ab_mode == 2 ? 2 * r.birth_jd - r.epoch_jd : r.birth_jd;
+    }
+    for (const EclipseRow& row : eclipses_between(s, first, last))
+        r.eclipses.push_back(
+            {row.eclipse.kind, row.eclipse.type, row.eclipse.jd_ut, row.sun, row.moon});
+}
+
 // Steps 8 to 14: the life span, the first moment stepped, the window.
 void enter_span(Session& s, const std::string& day, const std::string& month,
                 const std::string& year) {
@@ -345,7 +365,9 @@ void enter_span(Session& s, const std::string& day, const std::string& month,
     r.search_toggle = 0;
     r.finished = false;
     r.progress_percent = 0;
-    // The eclipses of the span join the table here.
+    r.eclipses.clear();
+    const std::string& view = r.choices.world_view;
+    if (r.choices.eclipses && (view == "Geocentric" || view == "Tychonic")) build_eclipse_list(s);
 }
 
 int percent_of(const PredictiveRun& r) {

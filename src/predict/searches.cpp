@@ -105,7 +105,7 @@ class Searcher {
             if (c.houses) ingresses(moving, "IH");
             if (c.aspects || c.orb) aspect_passes(moving, Lists::geo);
             if (c.recur) recurrence_passes(moving, Lists::geo);
-            // The eclipses of the span join the table here.
+            if (c.eclipses) eclipse_hits();
         } else if (view == "Geo/Helio") {
             if (!full) return;
             const BodyList geo =
@@ -554,6 +554,25 @@ class Searcher {
                     }
                 }
             }
+        }
+    }
+
+    // The eclipses of the list that fall between the second and the fourth slot, by the stepped
+    // moments, or the life dates when the life set is the real sky.
+    void eclipse_hits() {
+        const auto& slots = run_.ab_prenatal ? run_.window : run_.life;
+        const double a = std::min(slots[1].time, slots[3].time),
+                     b = std::max(slots[1].time, slots[3].time);
+        for (const auto& e : run_.eclipses) {
+            if (e.date < a || e.date > b) continue;
+            Hit& h = run_.hits.emplace_back();
+            h.kind = e.kind;
+            h.date = e.date;
+            h.life_date = run_.ab_prenatal ? map_to_life_date(s_, e.date, 0) : e.date;
+            h.aspect_glyph = e.type;
+            h.pos_1 = e.sun;
+            h.pos_2 = e.moon;
+            h.body_1 = glyph_text(e.kind == "S" ? glyph::sun : glyph::moon);
         }
     }
 

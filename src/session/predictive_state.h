@@ -120,6 +120,15 @@ struct PredictiveRun {
     bool use_fits = true;
     std::shared_ptr<BodyFits> stepped_fits, life_fits;
 
+    // The eclipses of the run's span (geocentric and Tychonic runs with eclipses asked for):
+    // kind "S" or "M", type, moment of greatest eclipse (Universal Time), the Sun's and the
+    // Moon's longitudes then.
+    struct EclipseEntry {
+        std::string kind, type;
+        double date = 0, sun = 0, moon = 0;
+    };
+    std::vector<EclipseEntry> eclipses;
+
     std::vector<Hit> hits;
     int page = 0;
     bool finished = false;

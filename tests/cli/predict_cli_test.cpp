@@ -94,6 +94,30 @@ TEST(PredictCommand, RefusesWhatItCannotRun) {
     }
 }
 
+TEST(EclipsesCommand, ListsTheEclipsesOfTheSpanInOrder) {
+    int code = 0;
+    const auto rows = run(command_eclipses, {{"from", "1999-01-01"}, {"to", "1999-12-31"}}, code);
+    ASSERT_EQ(code, 0);
+    std::vector<std::string> seen;
+    for (std::size_t i = 1; i < rows.size(); ++i)
+        seen.push_back(rows[i][0] + rows[i][1] + rows[i][3]);
+    // The four eclipses of 1999: a penumbral and a partial lunar, an annular and a total solar.
+    EXPECT_EQ(seen, (std::vector<std::string>{"MPN1999-01-31", "SA1999-02-16", "MP1999-07-28",
+                                              "ST1999-08-11"}));
+    EXPECT_EQ(rows[4][4], "11:03");
+    // With eclipses asked for, a transit run has them among its rows.
+    Options o = einstein;
+    o["mode"] = "T";
+    o["from"] = "1999-08-01";
+    o["to"] = "1999-08-31";
+    o["set"] = "aspects=0,eclipses=1";
+    const auto hits = run(command_predict, o, code);
+    ASSERT_EQ(code, 0);
+    ASSERT_EQ(hits.size(), 2u);
+    EXPECT_EQ(hits[1][3], "S");
+    EXPECT_EQ(hits[1][1], "1999-08-11");
+}
+
 TEST(ChartCommand, CuspsAndProgressedCharts) {
     Options o = einstein;
     o["houses"] = "Placidus";
