@@ -364,8 +364,14 @@ std::string symbol_text_utf8(std::string_view text) {
     std::string out;
     for (const char ch : text) {
         const auto code = static_cast<unsigned char>(ch);
+        // The aspects without a symbol of their own are written with their letters: the
+        // quintiles, the septiles and the noniles.
+        static constexpr std::string_view lettered[] = {"Q",  "",   "",   "",  "bQ", "",  "",
+                                                        "S7", "bS", "tS", "N", "bN", "qN"};
         if (code < 0x80)
             out += ch;
+        else if (code >= 196 && code < 196 + std::size(lettered) && !lettered[code - 196].empty())
+            out += lettered[code - 196];
         else
             append_utf8(out, symbol_of(code));
     }
