@@ -139,6 +139,7 @@ void usage() {
                 " [--set NAME=VALUE,...]\n"
                 "          [--report FILE.pdf]\n"
                 "  eclipses --from YYYY-MM-DD --to YYYY-MM-DD\n"
+                "  phenomena --from-year Y --to-year Y [--set NAME=VALUE,...]\n"
                 "  render --page WORD --out FILE.png|.pdf|.svg (--db FILE --table NAME --row N |"
                 " EVENT)\n"
                 "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
@@ -179,6 +180,7 @@ int main(int argc, char** argv) {
     if (command == "epoch") return cli::command_epoch(args.options);
     if (command == "predict") return cli::command_predict(args.options);
     if (command == "eclipses") return cli::command_eclipses(args.options);
+    if (command == "phenomena") return cli::command_phenomena(args.options);
     if (command == "init") return cli::command_init(args.positional);
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);

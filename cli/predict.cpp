@@ -10,6 +10,7 @@
 #include "predict/body_fits.h"
 #include "predict/eclipses.h"
 #include "predict/hit_text.h"
+#include "predict/phenomena.h"
 #include "predict/predictive_controls.h"
 #include "predict/predictive_run.h"
 #include "session/calendar.h"
@@ -257,6 +258,44 @@ int command_eclipses(const Options& o) {
         std::printf("%s,%s,%.6f,%d-%02d-%02d,%02d:%02d,%.4f,%.6f,%.6f\n", e.kind.c_str(),
                     e.type.c_str(), e.jd_ut, d.year, d.month, static_cast<int>(d.day), of_day / 60,
                     of_day % 60, e.magnitude, r.sun * rad_to_deg, r.moon * rad_to_deg);
+    }
+    return 0;
+}
+
+int command_phenomena(const Options& o) {
+    std::string error;
+    ProgramFolder folder;
+    if (!folder.prepare(error)) return fail(error);
+    auto prepared = std::make_unique<Prepared>();
+    if (!prepare_session({{"default-event", ""}}, folder.path(), *prepared, error))
+        return fail(error);
+    Session& s = prepared->s;
+    PhenomenaParameters p = phenomena_defaults(s);
+    for (const auto& [option, control] : {std::pair{"from-year", "start"}, {"to-year", "end_year"}})
+        if (const auto it = o.find(option); it != o.end()) p.values[control] = it->second;
+    if (const auto it = o.find("set"); it != o.end()) {
+        std::istringstream in(it->second);
+        for (std::string item; std::getline(in, item, ',');) {
+            const auto eq = item.find('=');
+            if (eq == std::string::npos)
+                return fail("--set takes NAME=VALUE pairs, not '" + item + "'");
+            const std::string why =
+                set_phenomena_control(p, item.substr(0, eq), item.substr(eq + 1));
+            if (!why.empty()) return fail("--set: " + why);
+        }
+    }
+    if (!validate_phenomena(p, prepared->sink)) return 1;
+    const std::vector<Phenomenon> rows = list_phenomena(s, p);
+    if (prepared->fatal) return 1;
+    // The dates on the list's own calendar, in Greenwich time.
+    s.event_slots[s.event_slots.active_event][col::gj] = p.values["gj"];
+    s.predictive.zone_hours = 0;
+    std::printf("jd_ut,date,text,body1,body2\n");
+    for (const Phenomenon& r : rows) {
+        const ReportDate d = report_date(s, r.jd);
+        std::printf("%.6f,%s %s,%s,%s,%s\n", r.jd, d.date.c_str(), d.time.c_str(),
+                    csv_quoted(symbol_text_utf8(r.text)).c_str(),
+                    symbol_text_utf8(r.body_1).c_str(), symbol_text_utf8(r.body_2).c_str());
     }
     return 0;
 }

@@ -14,6 +14,10 @@ int command_predict(const std::map<std::string, std::string>& options);
 // order, as CSV "kind,type,jd_ut,date,time,magnitude,sun_lon_deg,moon_lon_deg" (Universal Time).
 int command_eclipses(const std::map<std::string, std::string>& options);
 
+// phenomena --from-year Y --to-year Y [--set NAME=VALUE,...]: the phenomena of the sky in the
+// span with the controls of the phenomena screen by name, as CSV "jd_ut,date,text,body1,body2".
+int command_phenomena(const std::map<std::string, std::string>& options);
+
 // bench --what run-transits|run-biography [--direct]: seconds for a hundred years of transits
 // (geocentric, with the Moon, every planet against the birth, aspects, signs and stations) or a
 // lifetime biography (lemnicentric, with the Moon); --direct calculates every step.

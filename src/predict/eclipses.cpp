@@ -72,7 +72,10 @@ double remove_delta_t(double jde) {
 }
 
 Eclipse next_lunar_eclipse(double t) {
-    double k = std::floor((t - first_new_moon) / synodic_month + 1.03) + 0.5;
+    // The first full Moon after t (as the first new Moon for the Sun below): counted from the
+    // new Moon half a lunation before it, so that a full Moon in the first half of the lunation
+    // after t is not passed over.
+    double k = std::floor((t - first_new_moon) / synodic_month + 0.53) + 0.5;
     Eclipse out;
     out.kind = "M";
     EclipseElements el;

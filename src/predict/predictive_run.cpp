@@ -149,6 +149,7 @@ void fill_newest(Session& s, double t) {
 
 // The step of stepped time, held in single precision as the step table gives it.
 float choose_step(const PredictiveParameters& p, const PredictiveRun& r) {
+    if (p.step > 0) return p.step;
     const std::string& view = r.choices.world_view;
     float step = 1.0f;
     if (p.mode == "T") {

@@ -23,6 +23,8 @@ struct PredictiveParameters {
     std::string mode = "T"; // "B" biography, "T" transits, "P" progressions
     std::map<std::string, std::int16_t, std::less<>> flags;
     std::map<std::string, std::string, std::less<>> texts;
+    // A step of the caller's own (days; 0 takes the run's table), as the phenomena list has.
+    float step = 0;
 
     bool on(std::string_view control) const {
         const auto it = flags.find(control);

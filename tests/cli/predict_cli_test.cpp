@@ -105,6 +105,10 @@ TEST(EclipsesCommand, ListsTheEclipsesOfTheSpanInOrder) {
     EXPECT_EQ(seen, (std::vector<std::string>{"MPN1999-01-31", "SA1999-02-16", "MP1999-07-28",
                                               "ST1999-08-11"}));
     EXPECT_EQ(rows[4][4], "11:03");
+    // A span that starts a few days before a lunar eclipse has it first (10 January 2020).
+    const auto early = run(command_eclipses, {{"from", "2020-01-01"}, {"to", "2020-01-31"}}, code);
+    ASSERT_EQ(early.size(), 2u);
+    EXPECT_EQ(early[1][3], "2020-01-10");
     // With eclipses asked for, a transit run has them among its rows.
     Options o = einstein;
     o["mode"] = "T";
