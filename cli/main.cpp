@@ -140,6 +140,7 @@ void usage() {
                 "          [--report FILE.pdf]\n"
                 "  eclipses --from YYYY-MM-DD --to YYYY-MM-DD\n"
                 "  phenomena --from-year Y --to-year Y [--set NAME=VALUE,...]\n"
+                "  ephemeris --from YYYY-MM --to YYYY-MM [--world-view VIEW]\n"
                 "  render --page WORD --out FILE.png|.pdf|.svg (--db FILE --table NAME --row N |"
                 " EVENT)\n"
                 "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
@@ -181,6 +182,7 @@ int main(int argc, char** argv) {
     if (command == "predict") return cli::command_predict(args.options);
     if (command == "eclipses") return cli::command_eclipses(args.options);
     if (command == "phenomena") return cli::command_phenomena(args.options);
+    if (command == "ephemeris") return cli::command_ephemeris(args.options);
     if (command == "init") return cli::command_init(args.positional);
     if (command == "start") return cli::command_start();
     if (command == "chart") return cli::command_chart(args.options);

@@ -9,6 +9,7 @@
 #include "engine/epoch.h"
 #include "predict/body_fits.h"
 #include "predict/eclipses.h"
+#include "predict/ephemeris.h"
 #include "predict/hit_text.h"
 #include "predict/phenomena.h"
 #include "predict/predictive_controls.h"
@@ -297,6 +298,50 @@ int command_phenomena(const Options& o) {
                     csv_quoted(symbol_text_utf8(r.text)).c_str(),
                     symbol_text_utf8(r.body_1).c_str(), symbol_text_utf8(r.body_2).c_str());
     }
+    return 0;
+}
+
+int command_ephemeris(const Options& o) {
+    int span[2][2] = {{0, 0}, {0, 0}};
+    const char* names[2] = {"from", "to"};
+    for (int i = 0; i < 2; ++i) {
+        const auto it = o.find(names[i]);
+        char tail = 0;
+        if (it == o.end() ||
+            std::sscanf(it->second.c_str(), "%d-%d%c", &span[i][0], &span[i][1], &tail) != 2 ||
+            span[i][1] < 1 || span[i][1] > 12)
+            return fail("ephemeris needs --from YYYY-MM --to YYYY-MM");
+    }
+    if (span[1][0] * 12 + span[1][1] < span[0][0] * 12 + span[0][1])
+        return fail("--to lies before --from");
+    if ((span[1][0] - span[0][0]) * 12 + span[1][1] - span[0][1] > 12 * 1000)
+        return fail("ephemeris covers at most a thousand years a call");
+    std::string view = "Geocentric";
+    if (const auto it = o.find("world-view"); it != o.end()) view = it->second;
+    if (view != "Geocentric" && view != "Tychonic" && view != "Heliocentric" &&
+        view != "Lemnicentric")
+        return fail("--world-view must be Geocentric, Tychonic, Heliocentric or Lemnicentric");
+    if (o.count("out"))
+        return fail("--out: the printed pages of the ephemeris come with a later version; leave it "
+                    "out for the daily rows");
+    const std::string gj = span[0][0] * 12 + span[0][1] >= 1582 * 12 + 10 ? "G" : "J";
+    Session s;
+    initialise_session(s, fs::current_path().string());
+    if (!attach_body_tables(s)) return 2;
+    if (view == "Tychonic") s.chart.world_view = "Tychonic";
+    const auto months =
+        monthly_ephemeris(s, span[0][0], span[0][1], span[1][0], span[1][1], gj, view);
+    if (months.empty()) return 0;
+    std::printf("date,sidereal_time,vernal_point");
+    for (const unsigned char g : months.front().glyphs) std::printf(",%s", body_name(g).c_str());
+    std::printf("\n");
+    for (const EphemerisMonth& m : months)
+        for (const EphemerisDay& d : m.days) {
+            std::printf("%d-%02d-%02d,%.6f,%.6f", m.year, m.month, d.day, d.sidereal_hours,
+                        d.vernal_point_deg);
+            for (const double a : d.longitudes) std::printf(",%.6f", a * rad_to_deg);
+            std::printf("\n");
+        }
     return 0;
 }
 

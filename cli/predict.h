@@ -18,6 +18,10 @@ int command_eclipses(const std::map<std::string, std::string>& options);
 // span with the controls of the phenomena screen by name, as CSV "jd_ut,date,text,body1,body2".
 int command_phenomena(const std::map<std::string, std::string>& options);
 
+// ephemeris --from YYYY-MM --to YYYY-MM [--world-view VIEW]: a row a day at 0 hours Universal
+// Time, as CSV "date,sidereal_time,vernal_point" and a longitude column a body (degrees).
+int command_ephemeris(const std::map<std::string, std::string>& options);
+
 // bench --what run-transits|run-biography [--direct]: seconds for a hundred years of transits
 // (geocentric, with the Moon, every planet against the birth, aspects, signs and stations) or a
 // lifetime biography (lemnicentric, with the Moon); --direct calculates every step.
