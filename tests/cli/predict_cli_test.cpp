@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <map>
 #include <sstream>
 #include <string>
@@ -120,6 +121,22 @@ TEST(EclipsesCommand, ListsTheEclipsesOfTheSpanInOrder) {
     ASSERT_EQ(hits.size(), 2u);
     EXPECT_EQ(hits[1][3], "S");
     EXPECT_EQ(hits[1][1], "1999-08-11");
+}
+
+TEST(EphemerisCommand, DailyRowsAndPages) {
+    int code = 0;
+    const auto rows = run(command_ephemeris, {{"from", "2000-02"}, {"to", "2000-03"}}, code);
+    ASSERT_EQ(code, 0);
+    EXPECT_EQ(rows.size(), 1u + 29 + 31);
+    EXPECT_EQ(rows[1][0], "2000-02-01");
+    EXPECT_EQ(rows[0][3], "sun");
+    const std::string pdf = ::testing::TempDir() + "celestark_ephemeris.pdf";
+    run(command_ephemeris, {{"from", "2020-09"}, {"to", "2020-10"}, {"out", pdf}}, code);
+    ASSERT_EQ(code, 0);
+    EXPECT_GT(std::filesystem::file_size(pdf), 10000u);
+    std::filesystem::remove(pdf);
+    run(command_ephemeris, {{"from", "2020-13"}, {"to", "2021-01"}}, code);
+    EXPECT_NE(code, 0);
 }
 
 TEST(ChartCommand, CuspsAndProgressedCharts) {
