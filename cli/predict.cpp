@@ -332,54 +332,28 @@ int command_ephemeris(const Options& o) {
     if (!prepare_session({{"default-event", ""}}, folder.path(), *prepared, error))
         return fail(error);
     Session& s = prepared->s;
-    if (view == "Tychonic") s.chart.world_view = "Tychonic";
-    const auto months =
-        monthly_ephemeris(s, span[0][0], span[0][1], span[1][0], span[1][1], gj, view);
-    if (months.empty()) return 0;
     if (const auto out = o.find("out"); out != o.end()) {
         if (to_upper(fs::path(out->second).extension().string()) != ".PDF")
             return fail("--out must name a .pdf file, not '" + out->second + "'");
-        // The phenomena of the years: aspects, ingresses and stations of the Sun, the Moon and
-        // the planets a day apart, and the eclipses in the geocentric views.
-        PhenomenaParameters p = phenomena_defaults(s);
-        p.values["start"] = std::to_string(span[0][0]);
-        p.values["end_year"] = std::to_string(span[1][0]);
-        p.values["gj"] = gj;
-        for (const char* control : {"moon1", "moon2", "ingresses_search", "stationary_search"})
-            p.values[control] = "1";
-        if (view == "Heliocentric") set_phenomena_control(p, "helio", "1");
-        if (view == "Lemnicentric") set_phenomena_control(p, "lemni", "1");
-        if (view == "Tychonic") set_phenomena_control(p, "tych", "1");
-        std::vector<Phenomenon> all = list_phenomena(s, p);
-        const bool geocentric = view == "Geocentric" || view == "Tychonic";
-        if (geocentric) {
-            p.values["eclipse_phenomena"] = "1";
-            for (const Phenomenon& e : list_phenomena(s, p)) all.push_back(e);
-            std::stable_sort(all.begin(), all.end(),
-                             [](const Phenomenon& a, const Phenomenon& b) { return a.jd < b.jd; });
-        }
         HeadlessApplication application;
         drawing::PageFormat format;
         format.landscape = true;
         drawing::PdfCanvas paper(out->second, format);
         paper.set_title("Celestark monthly ephemeris");
-        const std::string heading = "Phenomena: Aspects (" + p.values["aspects"] + "), Ingresses" +
-                                    (geocentric               ? ", Eclipses, Retrograde Motion"
-                                     : view == "Lemnicentric" ? ", Retrograde Motion"
-                                                              : "");
-        bool first = true;
-        for (const EphemerisMonth& m : months) {
-            std::vector<drawing::MonthPhenomenon> rows;
-            for (const Phenomenon& ph : all) {
-                const CivilDate c = date_from_julian(ph.jd, gj);
-                if (c.year == m.year && c.month == m.month) rows.push_back({ph.jd, ph.text});
-            }
-            drawing::draw_ephemeris_month(paper, m, gj, rows, heading, first);
-            first = false;
-        }
-        paper.end_document();
+        MonthlyRequest request;
+        request.first_year = span[0][0];
+        request.first_month = span[0][1];
+        request.last_year = span[1][0];
+        request.last_month = span[1][1];
+        request.gj = gj;
+        request.world_view = view;
+        drawing::print_monthly_ephemeris(s, paper, request);
         return 0;
     }
+    if (view == "Tychonic") s.chart.world_view = "Tychonic";
+    const auto months =
+        monthly_ephemeris(s, span[0][0], span[0][1], span[1][0], span[1][1], gj, view);
+    if (months.empty()) return 0;
     std::printf("date,sidereal_time,vernal_point");
     for (const unsigned char g : months.front().glyphs) std::printf(",%s", body_name(g).c_str());
     std::printf("\n");

@@ -1,5 +1,6 @@
 #include "drawing/ephemeris_pages.h"
 
+#include "predict/phenomena.h"
 #include "session/calendar.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
@@ -161,6 +162,60 @@ void draw_ephemeris_month(Surface& out, const EphemerisMonth& month, const std::
         }
         ly += line;
     }
+}
+
+int print_monthly_ephemeris(Session& s, Surface& paper, const MonthlyRequest& r) {
+    const std::string& view = r.world_view;
+    const std::string saved_view = s.chart.world_view;
+    if (view == "Tychonic") s.chart.world_view = "Tychonic";
+    const auto months =
+        monthly_ephemeris(s, r.first_year, r.first_month, r.last_year, r.last_month, r.gj, view);
+    // The phenomena of the years: aspects, ingresses and stations of the Sun, the Moon and the
+    // planets a day apart, and in the geocentric views the eclipses.
+    std::vector<Phenomenon> all;
+    const bool geocentric = view == "Geocentric" || view == "Tychonic";
+    PhenomenaParameters p = phenomena_defaults(s);
+    if (r.phenomena) {
+        p.values["start"] = std::to_string(r.first_year);
+        p.values["end_year"] = std::to_string(r.last_year);
+        p.values["gj"] = r.gj;
+        for (const char* control : {"moon1", "moon2", "ingresses_search", "stationary_search"})
+            p.values[control] = "1";
+        if (view == "Heliocentric") set_phenomena_control(p, "helio", "1");
+        if (view == "Lemnicentric") set_phenomena_control(p, "lemni", "1");
+        if (view == "Tychonic") set_phenomena_control(p, "tych", "1");
+        all = list_phenomena(s, p);
+        if (geocentric) {
+            p.values["eclipse_phenomena"] = "1";
+            for (const Phenomenon& e : list_phenomena(s, p)) all.push_back(e);
+            std::stable_sort(all.begin(), all.end(),
+                             [](const Phenomenon& a, const Phenomenon& b) { return a.jd < b.jd; });
+        }
+    }
+    s.chart.world_view = saved_view;
+    const std::string heading = r.phenomena ? "Phenomena: Aspects (" + p.values["aspects"] +
+                                                  "), Ingresses" +
+                                                  (geocentric ? ", Eclipses, Retrograde Motion"
+                                                   : view == "Lemnicentric" ? ", Retrograde Motion"
+                                                                            : "")
+                                            : std::string();
+    MessageSink& sink = session_sink(s);
+    sink.progress_begin("Click CANCEL to stop printout", static_cast<int>(months.size()));
+    paper.begin_document();
+    int printed = 0;
+    for (const EphemerisMonth& m : months) {
+        std::vector<MonthPhenomenon> rows;
+        for (const Phenomenon& ph : all) {
+            const CivilDate c = date_from_julian(ph.jd, r.gj);
+            if (c.year == m.year && c.month == m.month) rows.push_back({ph.jd, ph.text});
+        }
+        draw_ephemeris_month(paper, m, r.gj, rows, heading, printed == 0);
+        ++printed;
+        if (sink.progress(printed)) break;
+    }
+    paper.end_document();
+    sink.progress_end();
+    return printed;
 }
 
 } // namespace celestark::drawing

@@ -5,6 +5,7 @@
 // right, continued on further pages when they do not fit.
 #include "drawing/surface.h"
 #include "predict/ephemeris.h"
+#include "session/session.h"
 
 #include <string>
 #include <vector>
@@ -22,5 +23,10 @@ struct MonthPhenomenon {
 void draw_ephemeris_month(Surface& out, const EphemerisMonth& month, const std::string& gj,
                           const std::vector<MonthPhenomenon>& phenomena, const std::string& heading,
                           bool first_page);
+
+// Prints the months on `paper` as one document, with the progress window "Click CANCEL to stop
+// printout" of the session's sink; a CANCEL ends the document after the page in hand. The
+// number of months printed.
+int print_monthly_ephemeris(Session& s, Surface& paper, const MonthlyRequest& request);
 
 } // namespace celestark::drawing

@@ -31,4 +31,13 @@ std::vector<EphemerisMonth> monthly_ephemeris(Session& s, int first_year, int fi
                                               int last_year, int last_month, std::string_view gj,
                                               std::string_view world_view);
 
+// What the monthly ephemeris prints: the span of months, the calendar, the world view
+// ("Geocentric", "Tychonic", "Heliocentric", "Lemnicentric") and whether the phenomena stand
+// beside the tables.
+struct MonthlyRequest {
+    int first_year = 2000, first_month = 1, last_year = 2000, last_month = 12;
+    std::string gj = "G", world_view = "Geocentric";
+    bool phenomena = true;
+};
+
 } // namespace celestark
