@@ -322,8 +322,6 @@ int command_ephemeris(const Options& o) {
     if (view != "Geocentric" && view != "Tychonic" && view != "Heliocentric" &&
         view != "Lemnicentric")
         return fail("--world-view must be Geocentric, Tychonic, Heliocentric or Lemnicentric");
-    if (o.count("star-calendar"))
-        return fail("--star-calendar: the star calendar's pages come with a later version");
     const std::string gj = span[0][0] * 12 + span[0][1] >= 1582 * 12 + 10 ? "G" : "J";
     std::string error;
     ProgramFolder folder;

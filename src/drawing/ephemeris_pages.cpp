@@ -48,7 +48,85 @@ std::string hours_text(double hours) {
     return text;
 }
 
+// Rows of phenomena (day, time, text) in columns from `top`, going on to further pages.
+void draw_list(Surface& out, const EphemerisMonth& month, const std::string& gj,
+               const std::vector<MonthPhenomenon>& rows, float list_left, float list_right,
+               float top, int columns) {
+    const float w = out.width(), h = out.height();
+    const float left = w * 0.03f, page_top = h * 0.04f, bottom = h - h * 0.04f;
+    const float line = (bottom - page_top) / 35 * 0.8f;
+    const float points = std::min(7.0f, line / 20.0f * 0.85f);
+    float column_w = (list_right - list_left) / static_cast<float>(columns);
+    const float day_col = out.measure(ProgramFont::arial, points, "222").width * 1.3f;
+    const float time_col = out.measure(ProgramFont::arial, points, "222222").width;
+    float x = list_left, y = top, first = top;
+    int column = 0;
+    for (const MonthPhenomenon& p : rows) {
+        if (y + line > bottom) {
+            if (++column < columns) {
+                x += column_w;
+            } else {
+                out.end_page();
+                out.clear(white);
+                out.text(ProgramFont::arial, 13, left, page_top,
+                         month_title(month, gj) + " (continued)", black, 0);
+                first = page_top + line * 2.5f;
+                x = left;
+                column = 0;
+                // A page of the list alone: four columns across it.
+                columns = 4;
+                column_w = (w - 2 * left) / 4;
+            }
+            y = first;
+        }
+        const double minutes = std::floor((p.jd + 0.5) * 1440.0 + 0.5);
+        const int of_day = static_cast<int>(minutes - std::floor(minutes / 1440.0) * 1440.0);
+        const CivilDate c = date_from_julian(p.jd, gj);
+        char day[8], time[16];
+        std::snprintf(day, sizeof day, "%2d", static_cast<int>(c.day));
+        std::snprintf(time, sizeof time, "%02d:%02d", of_day / 60, of_day % 60);
+        out.text(ProgramFont::arial, points, x, y, day, black, 0);
+        out.text(ProgramFont::arial, points, x + day_col, y, time, black, 0);
+        // The text: letters in the text font, symbol codes in the symbol font.
+        float tx = x + day_col + time_col;
+        std::size_t i = 0;
+        while (i < p.text.size()) {
+            const bool symbols = static_cast<unsigned char>(p.text[i]) >= 0x80;
+            std::size_t j = i;
+            while (j < p.text.size() && (static_cast<unsigned char>(p.text[j]) >= 0x80) == symbols)
+                ++j;
+            const std::string piece = p.text.substr(i, j - i);
+            const ProgramFont font = symbols ? ProgramFont::planet_symbols : ProgramFont::arial;
+            out.text(font, points, tx, y, piece, black, 0);
+            tx += out.measure(font, points, piece).width;
+            i = j;
+        }
+        y += line;
+    }
+}
+
 } // namespace
+
+void draw_star_calendar_page(Surface& out, const EphemerisMonth& month, const std::string& gj,
+                             const std::vector<MonthPhenomenon>& phenomena, bool heliocentric) {
+    const float w = out.width(), h = out.height();
+    const float left = w * 0.03f, right = w - w * 0.03f, top = h * 0.04f, bottom = h - h * 0.04f;
+    out.end_page();
+    out.clear(white);
+    out.text(ProgramFont::arial, 13, left, top, month_title(month, gj), black, 0);
+    const float line = (bottom - top) / 35 * 0.8f;
+    const float points = std::min(7.0f, line / 20.0f * 0.85f);
+    std::vector<MonthPhenomenon> ingresses, aspects;
+    for (const MonthPhenomenon& p : phenomena) (p.kind == "IS" ? ingresses : aspects).push_back(p);
+    const float middle = left + (right - left) * 0.34f;
+    const float heads = top + line * 2.5f;
+    out.text(ProgramFont::arial, points * 1.2f, left, heads, " INGRESSES :", black, 0);
+    out.text(ProgramFont::arial, points * 1.2f, middle, heads,
+             heliocentric ? " ASPECTS (HELIOCENTRIC +MOON(TYCHONIC)) :" : " ASPECTS & ECLIPSES :",
+             black, 0);
+    draw_list(out, month, gj, ingresses, left, middle - line, heads + line * 1.5f, 1);
+    draw_list(out, month, gj, aspects, middle, right, heads + line * 1.5f, 2);
+}
 
 void draw_ephemeris_month(Surface& out, const EphemerisMonth& month, const std::string& gj,
                           const std::vector<MonthPhenomenon>& phenomena, const std::string& heading,
@@ -116,52 +194,11 @@ void draw_ephemeris_month(Surface& out, const EphemerisMonth& month, const std::
         out.line(column_x(k), frame_top, column_x(k), frame_bottom, black, solid, 1);
 
     // The phenomena: the heading, then day, time and text in columns, page after page.
-    const float list_left = table_right + unit, list_right = right;
+    const float list_left = table_right + unit;
     const float line = pitch * 0.8f;
     const float list_points = std::min(7.0f, line / 20.0f * 0.85f);
     out.text(ProgramFont::arial, list_points, list_left, table_top, heading, black, 0);
-    const float column_w = (list_right - list_left) / 2;
-    float x = list_left, ly = table_top + line * 1.5f;
-    const float day_col = out.measure(ProgramFont::arial, list_points, "222").width * 1.3f;
-    const float time_col = out.measure(ProgramFont::arial, list_points, "222222").width;
-    for (const MonthPhenomenon& p : phenomena) {
-        if (ly + line > bottom) {
-            if (x + column_w * 1.5f < list_right) {
-                x += column_w;
-            } else {
-                out.end_page();
-                out.clear(white);
-                out.text(ProgramFont::arial, title_points, left, top,
-                         month_title(month, gj) + " (continued)", black, 0);
-                x = left;
-            }
-            ly = table_top + line * 1.5f;
-        }
-        const double local = p.jd + 0.5;
-        const double minutes = std::floor(local * 1440.0 + 0.5);
-        const int of_day = static_cast<int>(minutes - std::floor(minutes / 1440.0) * 1440.0);
-        const CivilDate c = date_from_julian(p.jd, gj);
-        char day[8], time[16];
-        std::snprintf(day, sizeof day, "%2d", static_cast<int>(c.day));
-        std::snprintf(time, sizeof time, "%02d:%02d", of_day / 60, of_day % 60);
-        out.text(ProgramFont::arial, list_points, x, ly, day, black, 0);
-        out.text(ProgramFont::arial, list_points, x + day_col, ly, time, black, 0);
-        // The text: letters in the text font, symbol codes in the symbol font.
-        float tx = x + day_col + time_col;
-        std::size_t i = 0;
-        while (i < p.text.size()) {
-            const bool symbols = static_cast<unsigned char>(p.text[i]) >= 0x80;
-            std::size_t j = i;
-            while (j < p.text.size() && (static_cast<unsigned char>(p.text[j]) >= 0x80) == symbols)
-                ++j;
-            const std::string piece = p.text.substr(i, j - i);
-            const ProgramFont font = symbols ? ProgramFont::planet_symbols : ProgramFont::arial;
-            out.text(font, list_points, tx, ly, piece, black, 0);
-            tx += out.measure(font, list_points, piece).width;
-            i = j;
-        }
-        ly += line;
-    }
+    draw_list(out, month, gj, phenomena, list_left, right, table_top + line * 1.5f, 2);
 }
 
 int print_monthly_ephemeris(Session& s, Surface& paper, const MonthlyRequest& r) {
@@ -175,7 +212,7 @@ int print_monthly_ephemeris(Session& s, Surface& paper, const MonthlyRequest& r)
     std::vector<Phenomenon> all;
     const bool geocentric = view == "Geocentric" || view == "Tychonic";
     PhenomenaParameters p = phenomena_defaults(s);
-    if (r.phenomena) {
+    if (r.phenomena || r.star_calendar) {
         p.values["start"] = std::to_string(r.first_year);
         p.values["end_year"] = std::to_string(r.last_year);
         p.values["gj"] = r.gj;
@@ -207,9 +244,11 @@ int print_monthly_ephemeris(Session& s, Surface& paper, const MonthlyRequest& r)
         std::vector<MonthPhenomenon> rows;
         for (const Phenomenon& ph : all) {
             const CivilDate c = date_from_julian(ph.jd, r.gj);
-            if (c.year == m.year && c.month == m.month) rows.push_back({ph.jd, ph.text});
+            if (c.year == m.year && c.month == m.month) rows.push_back({ph.jd, ph.text, ph.kind});
         }
-        draw_ephemeris_month(paper, m, r.gj, rows, heading, printed == 0);
+        draw_ephemeris_month(paper, m, r.gj, r.phenomena ? rows : std::vector<MonthPhenomenon>{},
+                             heading, printed == 0);
+        if (r.star_calendar) draw_star_calendar_page(paper, m, r.gj, rows, view == "Heliocentric");
         ++printed;
         if (sink.progress(printed)) break;
     }

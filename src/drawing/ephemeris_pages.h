@@ -16,6 +16,7 @@ namespace celestark::drawing {
 struct MonthPhenomenon {
     double jd = 0;
     std::string text;
+    std::string kind; // as the phenomena list has it
 };
 
 // Draws the month on `out`, beginning a page for it and each further page its phenomena need

@@ -158,7 +158,7 @@ std::vector<Phenomenon> list_phenomena(Session& s, const PhenomenaParameters& p)
                            std::string(sun ? "Sun" : "Moon") + " eclipse " + row.eclipse.type +
                                "  " + format_position_dm(row.sun, true) + "  " +
                                format_position_dm(row.moon, true),
-                           "sun", "moon"});
+                           "sun", "moon", row.eclipse.kind});
         }
         std::stable_sort(out.begin(), out.end(),
                          [](const Phenomenon& a, const Phenomenon& b) { return a.jd < b.jd; });
@@ -225,7 +225,7 @@ std::vector<Phenomenon> list_phenomena(Session& s, const PhenomenaParameters& p)
     slots[slot::work] = work;
     for (const Hit& h : rows.hits)
         out.push_back({h.life_date, hit_text(s, h), glyph_name(h.body_1),
-                       h.kind == "IS" ? glyph_name(h.target_glyph) : glyph_name(h.body_2)});
+                       h.kind == "IS" ? glyph_name(h.target_glyph) : glyph_name(h.body_2), h.kind});
     return out;
 }
 

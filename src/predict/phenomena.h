@@ -34,6 +34,7 @@ bool validate_phenomena(const PhenomenaParameters& p, MessageSink& sink);
 struct Phenomenon {
     double jd = 0; // Universal Time
     std::string text, body_1, body_2;
+    std::string kind; // "A" aspect, "IS" ingress, "R" station, "S" or "M" eclipse
 };
 // The list in date order; empty, with the messages said, when the parameters are refused.
 std::vector<Phenomenon> list_phenomena(Session& s, const PhenomenaParameters& p);
