@@ -137,6 +137,8 @@ class Searcher {
             const BodyList moving =
                 life_list(&Sample::helio, run_.helio_count, run_.helio_glyph.data());
             if (c.constellations) ingresses(moving, "IC", true);
+            // Signs only where the screen allows them (the phenomena list does).
+            if (c.signs) ingresses(moving, "IS");
             if (c.aspects || c.orb) {
                 aspect_passes(moving, Lists::helio);
                 if (bodies_.radical[glyph_helio_nodes]) aspect_passes(moving, Lists::helio_node);

@@ -23,6 +23,8 @@ Desktop::Desktop(Session& session) : session_(session), drawing_(session, canvas
     add_print_windows(*this);
     add_epoch_windows(*this);
     add_predictive_windows(*this);
+    add_phenomena_windows(*this);
+    add_monthly_window(*this);
     chart_window_->enable_known_commands();
 }
 

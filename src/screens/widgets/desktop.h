@@ -89,5 +89,7 @@ void add_help_windows(Desktop& desktop);           // the user guide and the Abo
 void add_print_windows(Desktop& desktop);          // the charts of an event, the page setup
 void add_epoch_windows(Desktop& desktop);          // the prenatal epoch
 void add_predictive_windows(Desktop& desktop);     // BIOGRAPHY and the run's report
+void add_phenomena_windows(Desktop& desktop);      // planetary_aspects and its list
+void add_monthly_window(Desktop& desktop);         // the monthly ephemeris
 
 } // namespace celestark::screens
