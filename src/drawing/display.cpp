@@ -519,4 +519,16 @@ float mixed_text_width(Drawing& g, std::string_view text) {
     return total;
 }
 
+float text_width(Drawing& g, const std::string& text) {
+    float w = 0, h = 0;
+    g.display_text_w_h(text, 1.0f, w, h);
+    return w;
+}
+
+float line_height(Drawing& g) {
+    float w = 0, h = 0;
+    g.display_text_w_h("Ag", 1.0f, w, h);
+    return h;
+}
+
 } // namespace celestark::drawing

@@ -101,5 +101,8 @@ int glyph_colour_field(unsigned char code, GlyphColumn column);
 // The width of a text that mixes letters and symbol codes (at or above 128), at the size 1: each
 // run measured in its own font.
 float mixed_text_width(Drawing& g, std::string_view text);
+// The width of a text in the text font at the size 1, and the height of a line of it.
+float text_width(Drawing& g, const std::string& text);
+float line_height(Drawing& g);
 
 } // namespace celestark::drawing

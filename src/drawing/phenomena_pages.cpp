@@ -21,18 +21,6 @@ constexpr float eclipse_stops[4] = {0, 0.25f, 0.52f, 0.72f};
 // The width between the margins over the size of the letters.
 constexpr float row_divisor = 1300, head_divisor = 1200;
 
-float text_width(Drawing& g, const std::string& text) {
-    float w = 0, h = 0;
-    g.display_text_w_h(text, 1.0f, w, h);
-    return w;
-}
-
-float line_height(Drawing& g) {
-    float w = 0, h = 0;
-    g.display_text_w_h("Ag", 1.0f, w, h);
-    return h;
-}
-
 std::string capitalised(std::string word) {
     if (!word.empty() && word[0] >= 'a' && word[0] <= 'z')
         word[0] = static_cast<char>(word[0] - 'a' + 'A');

@@ -45,18 +45,6 @@ std::string glyph_text(unsigned char code) {
     return std::string(1, static_cast<char>(code));
 }
 
-float text_width(Drawing& g, const std::string& text) {
-    float w = 0, h = 0;
-    g.display_text_w_h(text, 1.0f, w, h);
-    return w;
-}
-
-float line_height(Drawing& g) {
-    float w = 0, h = 0;
-    g.display_text_w_h("Ag", 1.0f, w, h);
-    return h;
-}
-
 // A row in the narrowest formats: the glyphs without their places.
 RowColumns glyph_columns(const Session& s, const Hit& h) {
     RowColumns c = hit_columns(s, h, true);
