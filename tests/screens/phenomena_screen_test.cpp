@@ -25,21 +25,6 @@ class PhenomenaScreenTest : public ::testing::Test {
     std::string value(const std::string& name) { return screen.params().values[name]; }
 };
 
-TEST_F(PhenomenaScreenTest, OpensOnItsFirstValues) {
-    EXPECT_EQ(value("start"), "2005");
-    EXPECT_EQ(value("end_year"), "2010");
-    EXPECT_EQ(value("gj"), "G");
-    EXPECT_TRUE(screen.params().on("geo"));
-    EXPECT_TRUE(screen.params().on("aspects_search"));
-    EXPECT_FALSE(screen.params().on("eclipse_phenomena"));
-    EXPECT_FALSE(value("aspects").empty());
-    // Every body has a box in each column.
-    for (const PhenomenaBody& b : phenomena_bodies())
-        for (const char* column : {"1", "2"})
-            EXPECT_TRUE(screen.params().values.count(std::string(b.stem) + column)) << b.stem;
-    EXPECT_EQ(phenomena_bodies().size(), 20u);
-}
-
 TEST_F(PhenomenaScreenTest, ControlsSetTheParameters) {
     struct Case {
         const char* name;
