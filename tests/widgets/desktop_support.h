@@ -77,4 +77,11 @@ class DesktopSession {
     std::unique_ptr<screens::Desktop> desktop;
 };
 
+// The top-level window of the name, or null.
+inline QWidget* window_named(const char* name) {
+    for (QWidget* top : QApplication::topLevelWidgets())
+        if (top->objectName() == name) return top;
+    return nullptr;
+}
+
 } // namespace celestark::testing

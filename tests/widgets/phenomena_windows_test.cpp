@@ -21,12 +21,6 @@
 namespace celestark::testing {
 namespace {
 
-QWidget* window_named(const char* name) {
-    for (QWidget* top : QApplication::topLevelWidgets())
-        if (top->objectName() == name) return top;
-    return nullptr;
-}
-
 class PhenomenaWindows : public ::testing::Test {
   protected:
     DesktopSession ds;

@@ -20,12 +20,6 @@
 namespace celestark::testing {
 namespace {
 
-QWidget* window_named(const char* name) {
-    for (QWidget* top : QApplication::topLevelWidgets())
-        if (top->objectName() == name) return top;
-    return nullptr;
-}
-
 class PredictiveWindows : public ::testing::Test {
   protected:
     DesktopSession ds;

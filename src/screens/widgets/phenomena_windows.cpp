@@ -221,38 +221,12 @@ void PhenomenaWindow::run(bool printing) {
 
 // ---- the page of the list -----------------------------------------------------------------------
 
-PhenomenaCanvas::PhenomenaCanvas(QWidget* parent, std::function<void()> resized)
-    : QWidget(parent), resized_(std::move(resized)) {
-    setObjectName("phem_canvas");
-    setMinimumSize(640, 420);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-}
-
-PhenomenaCanvas::~PhenomenaCanvas() = default;
-
-drawing::RasterCanvas& PhenomenaCanvas::canvas() {
-    return drawing::window_canvas(canvas_, width(), height(), devicePixelRatioF());
-}
-
-void PhenomenaCanvas::paintEvent(QPaintEvent*) {
-    QPainter p(this);
-    p.fillRect(rect(), QColor(0, 0, 0x40));
-    if (!canvas_) return;
-    QImage image = canvas_->image();
-    image.setDevicePixelRatio(devicePixelRatioF());
-    p.drawImage(0, 0, image);
-}
-
-void PhenomenaCanvas::resizeEvent(QResizeEvent*) {
-    if (resized_) resized_();
-}
-
 // ---- phenomena_display --------------------------------------------------------------------------
 
 PhenomenaDisplay::PhenomenaDisplay(Desktop& desktop, PhenomenaWindow& menu)
     : CelestarkWindow(desktop, "phenomena_display", phenomena_display_title), menu_(menu) {
     auto* layout = new QVBoxLayout(this);
-    canvas_ = new PhenomenaCanvas(this, [this] {
+    canvas_ = new PageCanvas(this, "phem_canvas", {}, [this] {
         // A new size lays the pages out again; the page shown keeps its first row in view
         // as nearly as the new count allows.
         if (pages_ && isVisible()) show_page(pages_->page());

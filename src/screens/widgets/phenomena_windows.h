@@ -4,6 +4,7 @@
 // `phenomena_display`, which shows the list a page at a time and prints it.
 #include "drawing/phenomena_pages.h"
 #include "screens/phenomena_screen.h"
+#include "screens/widgets/page_canvas.h"
 #include "screens/widgets/window_support.h"
 
 #include <functional>
@@ -46,22 +47,6 @@ class PhenomenaWindow : public CelestarkWindow {
 };
 
 // The page of the list as a picture, drawn again for a new size.
-class PhenomenaCanvas : public QWidget {
-    Q_OBJECT
-  public:
-    PhenomenaCanvas(QWidget* parent, std::function<void()> resized);
-    ~PhenomenaCanvas() override;
-    drawing::RasterCanvas& canvas();
-
-  protected:
-    void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-
-  private:
-    std::function<void()> resized_;
-    std::unique_ptr<drawing::RasterCanvas> canvas_;
-};
-
 class PhenomenaDisplay : public CelestarkWindow {
     Q_OBJECT
   public:
@@ -78,7 +63,7 @@ class PhenomenaDisplay : public CelestarkWindow {
     bool print_sheet(const drawing::PhenomenaSheet& sheet);
 
     PhenomenaWindow& menu_;
-    PhenomenaCanvas* canvas_ = nullptr;
+    PageCanvas* canvas_ = nullptr;
     QLabel* state_ = nullptr;
     QProgressBar* done_ = nullptr;
     std::unique_ptr<drawing::PhenomenaPages> pages_;

@@ -32,7 +32,6 @@ namespace celestark::screens {
 namespace {
 
 // Twips of a pixel of the screen.
-constexpr float twips_per_pixel = 15;
 
 const char* mode_heading(const std::string& mode) {
     if (mode == "B") return "Astrological Biography";
@@ -292,37 +291,6 @@ void BiographyWindow::run(bool printing) {
 
 // ---- the report's page --------------------------------------------------------------------------
 
-ReportCanvas::ReportCanvas(QWidget* parent, std::function<void(float, float)> clicked)
-    : QWidget(parent), clicked_(std::move(clicked)) {
-    setObjectName("ab_canvas");
-    setMinimumSize(640, 420);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    setCursor(Qt::PointingHandCursor);
-    setToolTip("Click a row to make a chart of its moment");
-}
-
-ReportCanvas::~ReportCanvas() = default;
-
-drawing::RasterCanvas& ReportCanvas::canvas() {
-    return drawing::window_canvas(canvas_, width(), height(), devicePixelRatioF());
-}
-
-void ReportCanvas::paintEvent(QPaintEvent*) {
-    QPainter p(this);
-    p.fillRect(rect(), QColor(0, 0, 0x40));
-    if (!canvas_) return;
-    QImage image = canvas_->image();
-    image.setDevicePixelRatio(devicePixelRatioF());
-    p.drawImage(0, 0, image);
-}
-
-void ReportCanvas::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !clicked_) return;
-    const QPointF at = event->position();
-    clicked_(static_cast<float>(at.x()) * twips_per_pixel,
-             static_cast<float>(at.y()) * twips_per_pixel);
-}
-
 // ---- ab_display ---------------------------------------------------------------------------------
 
 ReportWindow::ReportWindow(Desktop& desktop, BiographyWindow& biography)
@@ -330,7 +298,9 @@ ReportWindow::ReportWindow(Desktop& desktop, BiographyWindow& biography)
     events_ = std::make_unique<EventsWindow>(desktop);
     new_date_ = std::make_unique<NewDateWindow>(desktop, *this);
     auto* layout = new QVBoxLayout(this);
-    canvas_ = new ReportCanvas(this, [this](float x, float y) { row_clicked(x, y); });
+    canvas_ = new PageCanvas(this, "ab_canvas", [this](float x, float y) { row_clicked(x, y); });
+    canvas_->setCursor(Qt::PointingHandCursor);
+    canvas_->setToolTip("Click a row to make a chart of its moment");
     layout->addWidget(canvas_, 1);
     auto* buttons = new QHBoxLayout;
     auto* next = make_button(this, "ab_continue", "Continue:Next Page");

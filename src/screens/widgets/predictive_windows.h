@@ -4,6 +4,7 @@
 // that makes a moment of a row of the report.
 #include "drawing/predictive_report.h"
 #include "screens/predictive_screen.h"
+#include "screens/widgets/page_canvas.h"
 #include "screens/widgets/window_support.h"
 
 #include <functional>
@@ -51,23 +52,6 @@ class BiographyWindow : public CelestarkWindow {
 };
 
 // The report's page as a picture, and a click on a row.
-class ReportCanvas : public QWidget {
-    Q_OBJECT
-  public:
-    ReportCanvas(QWidget* parent, std::function<void(float, float)> clicked);
-    ~ReportCanvas() override;
-    // The image the next page is drawn on, made for the widget's present size.
-    drawing::RasterCanvas& canvas();
-
-  protected:
-    void paintEvent(QPaintEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-
-  private:
-    std::function<void(float, float)> clicked_;
-    std::unique_ptr<drawing::RasterCanvas> canvas_;
-};
-
 class EventsWindow;
 class NewDateWindow;
 
@@ -94,7 +78,7 @@ class ReportWindow : public CelestarkWindow {
     void row_clicked(float x, float y);
 
     BiographyWindow& biography_;
-    ReportCanvas* canvas_ = nullptr;
+    PageCanvas* canvas_ = nullptr;
     QLabel* state_ = nullptr;
     bool can_continue_ = false;
     std::unique_ptr<drawing::PredictiveReport> report_;
