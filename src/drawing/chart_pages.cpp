@@ -82,6 +82,7 @@ void draw_wheel(Drawing& g, View v, float cx, float cy, float R, bool centre_dat
     const double rotation = v == View::geo ? house_rotation(s) : 0.0;
     draw_zodiac_ring(g, cx, cy, R, r0, rotation);
     draw_degree_ticks(g, cx, cy, r0, rotation, true);
+    if (v == View::geo) draw_eclipse_marks(g, cx, cy, r0, rotation, false);
     g.display_line_width(1.0f);
     clear_plot_list(g.d.wheel);
     if (v == View::geo) fill_house_slots(g, rotation);

@@ -1,5 +1,6 @@
 #include "drawing/wheel.h"
 
+#include "predict/eclipses.h"
 #include "session/colour_fields.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
@@ -609,6 +610,19 @@ void draw_degree_ticks(Drawing& g, float cx, float cy, float r, double rotation,
                               static_cast<float>(a), static_cast<float>(a), g.d.line_colour_inside);
     }
     g.display_line_width(1.0f);
+}
+
+void draw_eclipse_marks(Drawing& g, float cx, float cy, float r0, double rotation, bool outside) {
+    const ChartEclipses last = eclipses_before(g.s, g.s.engine.event_jd);
+    const auto mark = [&](const EclipseRow& row, double lon, int inside_field, int outside_field) {
+        if (row.eclipse.kind.empty()) return;
+        const WheelPoint p = wheel_point(g.s, cx, cy, r0 * 1.02, lon + rotation);
+        const float size = r0 * 0.017f;
+        g.display_filled_circle(p.x, p.y, size, g.colour(outside ? outside_field : inside_field));
+        g.display_circle(p.x, p.y, size, g.d.line_colour_inside);
+    };
+    mark(last.solar, last.solar.sun, colour_field::Sun_eclipse, colour_field::sun_eclipse_o);
+    mark(last.lunar, last.lunar.moon, colour_field::Moon_Eclipse, colour_field::moon_eclipse_o);
 }
 
 // --- houses ---

@@ -51,6 +51,9 @@ void draw_zodiac_ring(Drawing& g, float cx, float cy, float r_outer, float r_inn
 void draw_degree_ticks(Drawing& g, float cx, float cy, float r, double rotation, bool flag);
 void draw_house_lines(Drawing& g, float cx, float cy, float r0, float r_inner, double rotation,
                       float font_size, int flag);
+// The marks of the last solar and lunar eclipse before the chart's moment, on the ticks of the
+// ring r0; `outside` takes the colours of the outer chart.
+void draw_eclipse_marks(Drawing& g, float cx, float cy, float r0, double rotation, bool outside);
 // Lines between aspected points of the chart's aspect matrix, rows first..last (from 1).
 void draw_aspect_lines(Drawing& g, const AspectMatrix& m, double rotation, float cx, float cy,
                        float r, float font_size, bool flag, int first, int last);

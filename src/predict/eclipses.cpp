@@ -145,8 +145,9 @@ Eclipse next_solar_eclipse(double t) {
 
 std::vector<EclipseRow> eclipses_between(Session& s, double first, double last) {
     std::vector<EclipseRow> rows;
+    // The rows borrow the engine: whatever chart it holds is put back afterwards.
+    const EngineState kept = s.engine;
     // The Sun's and the Moon's longitudes are all a row takes from the engine.
-    const CalcSwitches switches = s.engine.calc;
     s.engine.calc.calc_planets = s.engine.calc.calc_moon_lat = s.engine.calc.calc_moon_dist = false;
     s.engine.calc.calc_nodes = false;
     const auto circle = [](double a) { return a - two_pi * std::floor(a / two_pi); };
@@ -159,8 +160,20 @@ std::vector<EclipseRow> eclipses_between(Session& s, double first, double last) 
             t = row.eclipse.jd_ut + 1;
             rows.push_back(row);
         }
-    s.engine.calc = switches;
+    s.engine = kept;
     return rows;
+}
+
+ChartEclipses eclipses_before(Session& s, double t) {
+    // Every eclipse season holds an eclipse of each kind, penumbral ones counted, so the last
+    // of each lies within a year before t.
+    ChartEclipses found;
+    for (const EclipseRow& row : eclipses_between(s, t - 400, t)) {
+        if (row.eclipse.jd_ut >= t) continue;
+        EclipseRow& slot = row.eclipse.kind == "S" ? found.solar : found.lunar;
+        if (row.eclipse.jd_ut > slot.eclipse.jd_ut || slot.eclipse.kind.empty()) slot = row;
+    }
+    return found;
 }
 
 } // namespace celestark

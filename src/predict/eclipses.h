@@ -45,6 +45,13 @@ struct EclipseRow {
     Eclipse eclipse;
     double sun = 0, moon = 0;
 };
+// The engine's state is as it was before.
 std::vector<EclipseRow> eclipses_between(Session& s, double first, double last);
+
+// The last solar and the last lunar eclipse before t (Universal Time), for the marks of a chart.
+struct ChartEclipses {
+    EclipseRow solar, lunar;
+};
+ChartEclipses eclipses_before(Session& s, double t);
 
 } // namespace celestark

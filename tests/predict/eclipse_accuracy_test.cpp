@@ -11,8 +11,12 @@
 // outside 1800..2200 the times are reported, not held to the bound. Then published eclipses, one by
 // one, and the solar eclipses whose axis passes near the Earth's limb, where the central and
 // non-central types meet.
+#include "engine/chart.h"
 #include "predict/eclipses.h"
 #include "session/calendar.h"
+#include "session/constants.h"
+#include "session/positions.h"
+#include "session/session.h"
 
 #include <gtest/gtest.h>
 
@@ -288,6 +292,26 @@ TEST(EclipseAccuracy, SolarEclipsesNearTheLimb) {
     }
     std::printf("%d solar eclipses near the limb, %d of the same type\n", listed, agreeing);
     EXPECT_GT(listed, 0);
+}
+
+// A chart marks the eclipses that came before its moment: on 22 August 2017 the total solar
+// eclipse of the day before (the Sun at 28 deg 53' Leo) and the partial lunar eclipse of 7 August
+// (the full Moon at 15 deg 25' Aquarius, ten minutes before greatest eclipse, when the Moon has
+// gone on by 0.09 deg); the chart's own positions stay as they were.
+TEST(EclipseAccuracy, TheLastEclipsesBeforeAChart) {
+    Session s;
+    initialise_session(s, ".");
+    const double t = gregorian(2017, 8, 22);
+    calculate_bodies_at(s, t);
+    const auto before = s.engine.pos.geo_long;
+    const ChartEclipses last = eclipses_before(s, t);
+    EXPECT_EQ(s.engine.pos.geo_long, before);
+    EXPECT_EQ(last.solar.eclipse.type, "T");
+    EXPECT_NEAR(last.solar.eclipse.jd_ut, gregorian(2017, 8, 21 + 18.43 / 24), 0.01);
+    EXPECT_NEAR(last.solar.sun / deg_to_rad, 148.88, 0.05);
+    EXPECT_EQ(last.lunar.eclipse.type, "P");
+    EXPECT_NEAR(last.lunar.eclipse.jd_ut, gregorian(2017, 8, 7 + 18.34 / 24), 0.01);
+    EXPECT_NEAR(last.lunar.moon / deg_to_rad, 315.51, 0.03);
 }
 
 } // namespace
