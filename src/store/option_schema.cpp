@@ -133,6 +133,9 @@ std::vector<GeneralField> make_chart_fields() {
     for (const char* a : {"aspect_set_charts", "aspect_set_biographies", "aspect_set_transits",
                           "aspect_set_ephemeris", "similars_planets_aspect_set"})
         words(a, "None");
+    // The star calendar's aspect sets, geocentric and heliocentric.
+    words("star_calender_geo", "Standard");
+    words("star_calender_helio", "Standard");
     words("display_colour_set", "None");
     words("print_colour_set", "None");
     number("moon_node", 1);

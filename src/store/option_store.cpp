@@ -70,6 +70,25 @@ void report_failure(MessageSink& sink, const std::string& what, Outcome o) {
                  MessageIcon::exclamation);
 }
 
+// A file of an earlier version lacks the options added since: they are added, null, so that they
+// read as their defaults and can be stored.
+Outcome add_missing_fields(store::TableStore& db, const char* table) {
+    std::vector<store::FieldDef> present;
+    if (Outcome o = db.table_fields(table, present); o != Outcome::ok) return o;
+    const store::OptionTableDef* def = store::option_table(table);
+    if (!def) return Outcome::ok;
+    for (const store::FieldDef& f : def->fields) {
+        bool found = false;
+        for (const store::FieldDef& p : present)
+            found = found || store::detail::same_name(p.name, f.name);
+        if (found) continue;
+        // A file that cannot be written is read with the defaults.
+        if (Outcome o = db.add_field(table, f); o != Outcome::ok)
+            return o == Outcome::read_only ? Outcome::ok : o;
+    }
+    return Outcome::ok;
+}
+
 // A one-row table without its row gets an empty one.
 Outcome ensure_row(Recordset& rs) {
     Outcome o = rs.move_first();
@@ -154,7 +173,8 @@ bool open_option_database(Session& s, MessageSink& sink, const FatalHandler& han
     for (Recordset* rs : {&st.general_options, &st.chart_options}) {
         const char* table =
             rs == &st.general_options ? store::general_options_table : store::chart_options_table;
-        o = st.option_db.open_recordset(table, *rs);
+        o = add_missing_fields(st.option_db, table);
+        if (o == Outcome::ok) o = st.option_db.open_recordset(table, *rs);
         if (o == Outcome::ok) o = ensure_row(*rs);
         if (o != Outcome::ok)
             return fatal(1, o, st.option_db.last_error(), "Opening OPTIONS database.");

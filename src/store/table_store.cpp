@@ -331,6 +331,29 @@ Outcome TableStore::create_table(std::string_view table, std::span<const FieldDe
     return work.commit();
 }
 
+Outcome TableStore::add_field(std::string_view table, const FieldDef& f) {
+    if (!is_open()) return Outcome::not_open;
+    detail::TableShape shape;
+    if (Outcome o = detail::read_shape(*db_, table, shape); o != Outcome::ok) return o;
+    if (db_->read_only) return db_->fail_with(Outcome::read_only, "the file is read only");
+    if (!detail::valid_name(f.name) || same_name(f.name, detail::bookmark_column))
+        return db_->fail_with(Outcome::invalid_name, "not a valid field name: " + f.name);
+    if (f.type == FieldType::unknown ||
+        (f.type == FieldType::text && (f.width < 1 || f.width > 255)))
+        return db_->fail_with(Outcome::bad_definition, "not a valid field: " + f.name);
+    std::vector<FieldDef> fields;
+    if (Outcome o = table_fields(shape.name, fields); o != Outcome::ok) return o;
+    for (const FieldDef& known : fields)
+        if (same_name(known.name, f.name))
+            return db_->fail_with(Outcome::bad_definition, "field exists already: " + f.name);
+    std::string sql = "ALTER TABLE " + quote(shape.name) + " ADD COLUMN " + quote(f.name) + " " +
+                      detail::declared_type(f);
+    if (f.type == FieldType::text || f.type == FieldType::memo) sql += " COLLATE NOCASE";
+    if (f.type == FieldType::boolean) sql += " DEFAULT 0";
+    db_->writing();
+    return db_->exec(sql.c_str());
+}
+
 Outcome TableStore::delete_table(std::string_view table) {
     if (!is_open()) return Outcome::not_open;
     detail::TableShape shape;

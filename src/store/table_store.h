@@ -64,6 +64,8 @@ class TableStore {
     Outcome create_table(std::string_view table, std::span<const FieldDef> fields,
                          std::span<const IndexDef> indexes = {});
     Outcome delete_table(std::string_view table);
+    // Adds a field at the end of a table; the rows have it null (a flag false).
+    Outcome add_field(std::string_view table, const FieldDef& field);
     // The fields in table order, as declared; the indexes in the order they were made.
     Outcome table_fields(std::string_view table, std::vector<FieldDef>& fields);
     Outcome table_indexes(std::string_view table, std::vector<IndexDef>& indexes);

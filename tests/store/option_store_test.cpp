@@ -150,6 +150,31 @@ TEST(OptionNulls, AnEmptyOptionTableGetsItsRow) {
     EXPECT_EQ(s.event_store.event_table_name, "EVENTS");
 }
 
+// An option file of an earlier version, without the star calendar's sets: they read as their
+// defaults, can be stored, and the stored options stay.
+TEST(OptionNulls, AnEarlierFileGetsTheOptionsAddedSince) {
+    ProgramFolder folder;
+    with_option_file(folder, [](store::TableStore& db) {
+        std::vector<store::FieldDef> fields;
+        for (const store::FieldDef& f : store::option_table("options")->fields)
+            if (f.name.rfind("star_calender", 0) != 0) fields.push_back(f);
+        ASSERT_EQ(db.delete_table("options"), Outcome::ok);
+        ASSERT_EQ(db.create_table("options", fields), Outcome::ok);
+        store::Recordset rs;
+        ASSERT_EQ(db.open_recordset("options", rs), Outcome::ok);
+        ASSERT_EQ(rs.add_new(), Outcome::ok);
+        ASSERT_EQ(rs.set("house_system", Value("Koch")), Outcome::ok);
+        ASSERT_EQ(rs.update(), Outcome::ok);
+    });
+    Session s;
+    ASSERT_TRUE(folder.start(s).started);
+    EXPECT_EQ(s.chart.house_system, "Koch");
+    EXPECT_EQ(read_option(s, "options", "star_calender_helio").as_text(), "Standard");
+    RecordingSink sink;
+    EXPECT_EQ(set_option(s, "options", "star_calender_geo", Value("Major"), sink), Outcome::ok);
+    EXPECT_EQ(read_option(s, "options", "star_calender_geo").as_text(), "Major");
+}
+
 TEST_F(OptionSession, SetOptionWritesAtOnceOrReportsAndKeepsTheRow) {
     struct Case {
         const char* table;
