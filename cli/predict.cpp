@@ -15,6 +15,7 @@
 #include "predict/phenomena.h"
 #include "predict/predictive_controls.h"
 #include "predict/predictive_run.h"
+#include "screens/monthly_screen.h"
 #include "session/calendar.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
@@ -338,13 +339,21 @@ int command_ephemeris(const Options& o) {
         format.landscape = true;
         drawing::PdfCanvas paper(out->second, format);
         paper.set_title("Celestark monthly ephemeris");
+        // The request as the window makes it, with the aspect sets the options name.
+        MonthlyScreen screen = monthly_defaults(s, o.count("star-calendar") > 0);
+        screen.values["start_year"] = std::to_string(span[0][0]);
+        screen.values["start_month"] = std::to_string(span[0][1]);
+        screen.values["end_year"] = std::to_string(span[1][0]);
+        screen.values["end_month"] = std::to_string(span[1][1]);
+        screen.values["g_j_monthly"] = gj;
+        const std::pair<const char*, const char*> views[] = {{"geo", "Geocentric"},
+                                                             {"hermetic", "Tychonic"},
+                                                             {"helio", "Heliocentric"},
+                                                             {"lemni", "Lemnicentric"}};
+        for (const auto& [control, name] : views) screen.values[control] = view == name ? "1" : "0";
         MonthlyRequest request;
-        request.first_year = span[0][0];
-        request.first_month = span[0][1];
-        request.last_year = span[1][0];
-        request.last_month = span[1][1];
-        request.gj = gj;
-        request.world_view = view;
+        RecordingSink checks;
+        if (!monthly_request(screen, request, checks)) return fail("the months were refused");
         drawing::print_monthly_ephemeris(s, paper, request);
         return 0;
     }

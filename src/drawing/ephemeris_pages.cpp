@@ -4,7 +4,9 @@
 #include "session/calendar.h"
 #include "session/constants.h"
 #include "session/fixed_tables.h"
+#include "session/session.h"
 #include "session/text.h"
+#include "store/option_sets.h"
 
 #include <algorithm>
 #include <cmath>
@@ -216,18 +218,27 @@ int print_monthly_ephemeris(Session& s, Surface& paper, const MonthlyRequest& r)
         p.values["start"] = std::to_string(r.first_year);
         p.values["end_year"] = std::to_string(r.last_year);
         p.values["gj"] = r.gj;
+        p.values["aspects"] = r.aspect_set;
         for (const char* control : {"moon1", "moon2", "ingresses_search", "stationary_search"})
             p.values[control] = "1";
         if (view == "Heliocentric") set_phenomena_control(p, "helio", "1");
         if (view == "Lemnicentric") set_phenomena_control(p, "lemni", "1");
         if (view == "Tychonic") set_phenomena_control(p, "tych", "1");
         all = list_phenomena(s, p);
+        if (r.star_calendar && view == "Heliocentric") {
+            // The Moon joins the heliocentric bodies from the Tychonic list.
+            load_aspect_set(s, r.aspect_set, session_sink(s));
+            const double first = julian_date(1, 1, r.first_year, r.gj, 0);
+            const double last = julian_date(1, 1, r.last_year + 1, r.gj, 0);
+            for (const Phenomenon& m : moon_aspects_to_heliocentric(s, first, last))
+                all.push_back(m);
+        }
         if (geocentric) {
             p.values["eclipse_phenomena"] = "1";
             for (const Phenomenon& e : list_phenomena(s, p)) all.push_back(e);
-            std::stable_sort(all.begin(), all.end(),
-                             [](const Phenomenon& a, const Phenomenon& b) { return a.jd < b.jd; });
         }
+        std::stable_sort(all.begin(), all.end(),
+                         [](const Phenomenon& a, const Phenomenon& b) { return a.jd < b.jd; });
     }
     s.chart.world_view = saved_view;
     const std::string heading = r.phenomena ? "Phenomena: Aspects (" + p.values["aspects"] +

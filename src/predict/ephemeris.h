@@ -38,6 +38,8 @@ struct MonthlyRequest {
     int first_year = 2000, first_month = 1, last_year = 2000, last_month = 12;
     std::string gj = "G", world_view = "Geocentric";
     bool phenomena = true;
+    // The aspect set of the phenomena.
+    std::string aspect_set = "Standard";
     // The star calendar: after each month's table a page of its ingresses, and of its aspects
     // and eclipses.
     bool star_calendar = false;

@@ -1,14 +1,20 @@
 #include "predict/phenomena.h"
 
+#include "engine/chart.h"
 #include "predict/eclipses.h"
 #include "predict/hit_text.h"
 #include "predict/predictive_controls.h"
 #include "predict/predictive_run.h"
+#include "predict/samples.h"
 #include "session/calendar.h"
+#include "session/constants.h"
+#include "session/fixed_tables.h"
+#include "session/positions.h"
 #include "session/session.h"
 #include "session/text.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace celestark {
 
@@ -226,6 +232,77 @@ std::vector<Phenomenon> list_phenomena(Session& s, const PhenomenaParameters& p)
     for (const Hit& h : rows.hits)
         out.push_back({h.life_date, hit_text(s, h), glyph_name(h.body_1),
                        h.kind == "IS" ? glyph_name(h.target_glyph) : glyph_name(h.body_2), h.kind});
+    return out;
+}
+
+std::vector<Phenomenon> moon_aspects_to_heliocentric(Session& s, double first, double last) {
+    std::vector<Phenomenon> out;
+    const AspectTable& set = s.option_sets.aspects;
+    const EngineState kept = s.engine;
+    struct Day {
+        double moon = 0;
+        std::vector<double> helio;
+        std::vector<unsigned char> glyphs;
+    };
+    const auto day_at = [&s](double t) {
+        s.engine.earth_rates_level = 0;
+        calculate_bodies_at(s, t);
+        const PositionLists& p = s.engine.pos;
+        Day d;
+        d.moon = p.geo_long[geo::moon];
+        for (std::size_t i = 0; i < static_cast<std::size_t>(p.helio_count_base); ++i) {
+            d.helio.push_back(p.helio_long[i]);
+            d.glyphs.push_back(p.helio_glyph[i]);
+        }
+        return d;
+    };
+    const auto circle = [](double a) { return a - two_pi * std::floor(a / two_pi); };
+    // Days a day apart; each window of five is searched between its second and fourth day, so
+    // the middle day moves on by two.
+    std::vector<Day> window;
+    for (int i = -2; i <= 2; ++i) window.push_back(day_at(first + i));
+    for (double mid = first; mid < last + 1; mid += 2) {
+        if (mid > first) {
+            window.erase(window.begin(), window.begin() + 2);
+            window.push_back(day_at(mid + 1));
+            window.push_back(day_at(mid + 2));
+        }
+        Samples moon;
+        for (std::size_t i = 0; i < 5; ++i) moon[i] = window[i].moon;
+        unwrap_samples(moon);
+        for (std::size_t q = 0; q < window[2].helio.size(); ++q) {
+            Samples body;
+            for (std::size_t i = 0; i < 5; ++i) body[i] = window[i].helio[q];
+            unwrap_samples(body);
+            for (std::size_t a = 0; a < set.angle.size(); ++a) {
+                const double angle = set.angle[a] * deg_to_rad;
+                if (angle < 0 || set.orb_moon[a] == 0) continue;
+                for (const double side : {1.0, -1.0}) {
+                    if (side < 0 && !(set.angle[a] > 0 && set.angle[a] < 180)) continue;
+                    Samples y;
+                    for (std::size_t i = 0; i < 5; ++i) y[i] = moon[i] - body[i] - side * angle;
+                    unwrap_samples(y);
+                    const Zeros zeros = find_zeros(y);
+                    for (int z = 0; z < zeros.count; ++z) {
+                        const double n = zeros.at[static_cast<std::size_t>(z)].n;
+                        const double t = mid + n;
+                        if (t < first || t >= last) continue;
+                        Hit h;
+                        h.kind = "A";
+                        h.pos_1 = circle(interpolate_samples(moon, n));
+                        h.body_1 = std::string(1, static_cast<char>(glyph::moon));
+                        h.pos_2 = circle(interpolate_samples(body, n));
+                        h.body_2 = std::string(1, static_cast<char>(window[2].glyphs[q]));
+                        h.aspect_glyph = std::string(1, static_cast<char>(set.glyph[a]));
+                        out.push_back({t, hit_text(s, h), "moon", glyph_name(h.body_2), "A"});
+                    }
+                }
+            }
+        }
+    }
+    s.engine = kept;
+    std::stable_sort(out.begin(), out.end(),
+                     [](const Phenomenon& a, const Phenomenon& b) { return a.jd < b.jd; });
     return out;
 }
 

@@ -39,4 +39,9 @@ struct Phenomenon {
 // The list in date order; empty, with the messages said, when the parameters are refused.
 std::vector<Phenomenon> list_phenomena(Session& s, const PhenomenaParameters& p);
 
+// The aspects of the Moon, as the Tychonic view places it, to the heliocentric bodies, from
+// `first` to `last` (Julian dates, Universal Time), by the aspect set the session has loaded and
+// its Moon orbs; in date order. These are the only heliocentric aspects with the Moon.
+std::vector<Phenomenon> moon_aspects_to_heliocentric(Session& s, double first, double last);
+
 } // namespace celestark

@@ -2,6 +2,8 @@
 
 #include "session/session.h"
 #include "session/text.h"
+#include "store/option_schema.h"
+#include "store/option_store.h"
 
 #include <cstdlib>
 
@@ -26,13 +28,21 @@ bool whole(const std::string& text, int& out) {
 
 } // namespace
 
-MonthlyScreen monthly_defaults(const Session& s) {
+MonthlyScreen monthly_defaults(Session& s, bool star_calendar) {
     MonthlyScreen m;
+    m.star_calendar = star_calendar;
     std::string year = trim(s.event_slots[s.event_slots.active_event][col::year]);
     if (year.empty()) year = "2000";
     m.values = {{"start_month", "1"}, {"start_year", year}, {"end_month", "12"}, {"end_year", year},
                 {"g_j_monthly", "G"}, {"geo", "1"},         {"hermetic", "0"},   {"helio", "0"},
                 {"lemni", "0"},       {"p_yes", "1"},       {"p_no", "0"}};
+    const auto stored = [&s](const char* option) {
+        const std::string set = trim(read_option(s, store::chart_options_table, option).as_text());
+        return set.empty() ? std::string("Standard") : set;
+    };
+    m.values["geo_calender"] = stored("star_calender_geo");
+    m.values["helio_calender"] = stored("star_calender_helio");
+    m.ephemeris_aspect_set = stored("aspect_set_ephemeris");
     return m;
 }
 
@@ -77,7 +87,27 @@ bool monthly_request(const MonthlyScreen& m, MonthlyRequest& r, MessageSink& sin
                    : value(m, "lemni") == "1"  ? "Lemnicentric"
                                                : "Geocentric";
     r.phenomena = value(m, "p_no") != "1";
+    r.star_calendar = m.star_calendar;
+    const bool geocentric = r.world_view == "Geocentric" || r.world_view == "Tychonic";
+    r.aspect_set = !m.star_calendar ? m.ephemeris_aspect_set
+                   : geocentric     ? value(m, "geo_calender")
+                                    : value(m, "helio_calender");
     return true;
+}
+
+bool keep_star_calendar_sets(Session& s, const MonthlyScreen& m) {
+    if (!s.stores) return true;
+    RecordingSink quiet;
+    const store::Outcome o =
+        set_options(s, store::chart_options_table,
+                    {{"star_calender_geo", store::Value(value(m, "geo_calender"))},
+                     {"star_calender_helio", store::Value(value(m, "helio_calender"))}},
+                    quiet);
+    if (o == store::Outcome::ok) return true;
+    session_fatal(s, "Monthly Aspect Sets-Lost Focus",
+                  ck_text(69, static_cast<long>(o), std::string(store::describe(o)),
+                          std::string(". ") + fatal_tail));
+    return false;
 }
 
 } // namespace celestark

@@ -2,11 +2,13 @@
 // months printed a page each.
 #include "desktop_support.h"
 
+#include <QComboBox>
 #include <QFileInfo>
 #include <QPrinter>
 #include <QTemporaryDir>
 
 #include "screens/widgets/monthly_window.h"
+#include "store/option_store.h"
 
 namespace celestark::testing {
 namespace {
@@ -34,8 +36,17 @@ TEST(MonthlyWindow, OpensChecksAndPrints) {
     EXPECT_GT(QFileInfo(dir.filePath("months.pdf")).size(), 10000);
     ds.press("exit_monthly");
     EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(ds.find<QWidget>("geo_calender")->isVisibleTo(window));
+    // The star calendar chooses its aspect sets, and keeps them when it prints.
     ds.press("star_calender");
     EXPECT_EQ(window->windowTitle(), "STAR CALENDAR");
+    auto* geo = ds.find<QComboBox>("geo_calender");
+    ASSERT_TRUE(geo->isVisible());
+    EXPECT_EQ(geo->currentText(), "Standard");
+    geo->setCurrentText("Major");
+    ds.type("end_month", "1");
+    EXPECT_EQ(static_cast<screens::MonthlyWindow*>(window)->print(), 1);
+    EXPECT_EQ(read_option(ds.s, "options", "star_calender_geo").as_text(), "Major");
 }
 
 } // namespace

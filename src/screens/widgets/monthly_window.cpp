@@ -1,9 +1,11 @@
 #include "screens/widgets/monthly_window.h"
 
 #include "drawing/ephemeris_pages.h"
+#include "screens/aspect_window.h"
 #include "screens/widgets/desktop.h"
 
 #include <QButtonGroup>
+#include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -68,6 +70,18 @@ MonthlyWindow::MonthlyWindow(Desktop& desktop)
     choices->addWidget(phen);
     layout->addLayout(choices);
 
+    sets_group_ = make_group(this, "calender_sets", "Aspect sets of the star calendar");
+    auto* sets_layout = new QGridLayout(sets_group_);
+    int row = 0;
+    for (const auto& [name, caption] :
+         {std::pair{"geo_calender", "Geocentric"}, {"helio_calender", "Heliocentric"}}) {
+        sets_[name] = make_list(sets_group_, name);
+        sets_[name]->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        sets_layout->addWidget(new QLabel(caption, sets_group_), row, 0);
+        sets_layout->addWidget(sets_[name], row++, 1);
+    }
+    layout->addWidget(sets_group_);
+
     auto* buttons = new QHBoxLayout;
     auto* print_button = make_button(this, "print_monthly", "PRINT");
     auto* exit_button = make_button(this, "exit_monthly", "EXIT");
@@ -82,9 +96,22 @@ MonthlyWindow::MonthlyWindow(Desktop& desktop)
 void MonthlyWindow::enter(bool star_calendar) {
     star_calendar_ = star_calendar;
     setWindowTitle(star_calendar ? "STAR CALENDAR" : "MONTHLY EPHEMERIS");
-    const MonthlyScreen defaults = monthly_defaults(session());
+    const MonthlyScreen defaults = monthly_defaults(session(), star_calendar);
+    ephemeris_aspect_set_ = defaults.ephemeris_aspect_set;
     for (auto& [name, field] : fields_) field->setText(qt(defaults.values.at(name)));
     for (auto& [name, option] : options_) option->setChecked(defaults.values.at(name) == "1");
+    const std::vector<std::string> names =
+        star_calendar ? stored_aspect_set_names(session(), 69, "Monthly Aspect Sets-Got Focus")
+                      : std::vector<std::string>{};
+    for (auto& [name, list] : sets_) {
+        list->clear();
+        for (const std::string& set : names) list->addItem(qt(set));
+        const QString stored = qt(defaults.values.at(name));
+        if (list->findText(stored) < 0) list->addItem(stored);
+        list->setCurrentText(stored);
+    }
+    sets_group_->setVisible(star_calendar);
+    adjustSize();
     show();
     raise();
     activateWindow();
@@ -94,13 +121,17 @@ MonthlyScreen MonthlyWindow::screen() const {
     MonthlyScreen m;
     for (const auto& [name, field] : fields_) m.values[name] = text_of(field);
     for (const auto& [name, option] : options_) m.values[name] = option->isChecked() ? "1" : "0";
+    for (const auto& [name, list] : sets_) m.values[name] = list->currentText().toStdString();
+    m.star_calendar = star_calendar_;
+    m.ephemeris_aspect_set = ephemeris_aspect_set_;
     return m;
 }
 
 int MonthlyWindow::print() {
     MonthlyRequest request;
-    if (!monthly_request(screen(), request, sink())) return 0;
-    request.star_calendar = star_calendar_;
+    const MonthlyScreen m = screen();
+    if (!monthly_request(m, request, sink())) return 0;
+    if (star_calendar_ && !keep_star_calendar_sets(session(), m)) return 0;
     int printed = 0;
     // A month a landscape page.
     desktop().printer().setPageOrientation(QPageLayout::Landscape);

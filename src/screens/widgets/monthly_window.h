@@ -6,6 +6,8 @@
 #include <map>
 #include <string>
 
+class QComboBox;
+class QGroupBox;
 class QLineEdit;
 class QRadioButton;
 
@@ -25,7 +27,11 @@ class MonthlyWindow : public CelestarkWindow {
 
     std::map<std::string, QLineEdit*> fields_;
     std::map<std::string, QRadioButton*> options_;
+    // The star calendar's aspect sets, geo_calender and helio_calender.
+    std::map<std::string, QComboBox*> sets_;
+    QGroupBox* sets_group_ = nullptr;
     bool star_calendar_ = false;
+    std::string ephemeris_aspect_set_;
 };
 
 // Registers the window with the desktop: the chart window's "monthly_ephemeris" and
