@@ -153,6 +153,23 @@ std::vector<GeneralField> make_chart_fields() {
     number("prenatal_sectors", 0);
     number("actual_position", option_false);
     number("pc_atlas", option_false);
+    // The similars screen: each radio group keeps the name of its button, the orbs and hits
+    // their whole numbers.
+    words("similars_world_view", "geo");
+    words("similars_epoch", "birth");
+    words("similars_option", "similar_planets");
+    words("similars_planets", "planets_same");
+    words("similars_angles", "angles_same");
+    words("similars_elements", "elements_same");
+    words("similars_similar", "similar_same_same");
+    words("similars_same", "same_same");
+    number("similars_angles_orb_degs", 1);
+    number("similars_angles_orb_mins", 0);
+    number("similars_orb_elements_degs", 1);
+    number("similars_orb_elements_mins", 0);
+    number("similars_similar_orb_degs", 2);
+    number("similars_similar_orb_mins", 0);
+    number("similars_similar_hits", 5);
     return f;
 }
 
