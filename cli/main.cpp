@@ -11,8 +11,10 @@
 #include "session/fixed_tables.h"
 #include "session/session.h"
 #include "session/text.h"
+#include "similars.h"
 #include "stars.h"
 #include "stores.h"
+#include "tables.h"
 
 #include <cmath>
 #include <cstdio>
@@ -144,6 +146,7 @@ void usage() {
                 " [--out FILE.pdf [--star-calendar]]\n"
                 "  render --page WORD --out FILE.png|.pdf|.svg (--db FILE --table NAME --row N |"
                 " EVENT)\n"
+                "         [--outer-date ... or --outer-db ... for the *_double pages]\n"
                 "         [--world-view VIEW] [--zodiac NAME] [--houses NAME] [--colour-set NAME]\n"
                 "         [--printing] [--width PIXELS] [--layout FILE.json]\n"
                 "  epoch (--db FILE --table NAME --row N | EVENT) [--months 6..12]"
@@ -154,6 +157,14 @@ void usage() {
                 " [--polar NAME]\n"
                 "  stars (--jd JD | --tt JDE | --tt-list FILE) [--actual] --names NAME,...\n"
                 "  build-stars FILE --source DIR\n"
+                "  events add --db FILE --table NAME --csv FILE\n"
+                "  export --from-year Y --to-year Y --out FILE.mdb|DIR [--julian] [--replace]"
+                " [--zodiac NAME]\n"
+                "  analysis (--db FILE --table NAME | --recalculate | --clear) --out analysis.mdb"
+                " [--zodiac NAME]\n"
+                "  similars (--db FILE --table NAME --row N | EVENT) --against-db FILE"
+                " --tables A,B,...\n"
+                "           [--set NAME=VALUE,...]\n"
                 "EVENT: --date Y-M-D --time h:m:s --zone ZONE --lat 51N30 --lon 0W07 [--cal G|J]"
                 " [--name TEXT] [--place TEXT], or --default-event\n");
 }
@@ -191,6 +202,10 @@ int main(int argc, char** argv) {
     if (command == "houses") return cli::command_houses(args.options);
     if (command == "stars") return cli::command_stars(args.options);
     if (command == "build-stars") return cli::command_build_stars(args.positional, args.options);
+    if (command == "events") return cli::command_events(args.positional, args.options);
+    if (command == "export") return cli::command_export(args.options);
+    if (command == "analysis") return cli::command_analysis(args.options);
+    if (command == "similars") return cli::command_similars(args.options);
     usage();
     return fail("unknown command '" + command + "'");
 }

@@ -72,7 +72,32 @@ constexpr PageView page_views[] = {
     {"lem_prenatal3dse", "Lemnicentric"},
     {"plan display", "Geocentric"},
     {"planets motion", "Heliocentric"},
+    {"geo_double", "Geocentric"},
+    {"helio_double", "Heliocentric"},
+    {"lemni_double", "Lemnicentric"},
+    {"geo_helio_double", "Geo/Helio"},
+    {"helio_geo_double", "Geo/Helio"},
 };
+
+bool double_page(const std::string& page) {
+    return page.size() > 7 && page.compare(page.size() - 7, 7, "_double") == 0;
+}
+
+// The outer event of a double page: the options that begin with "outer-", read as the event
+// options are; without any, the program's default event.
+bool load_outer_event(const Options& o, Session& s, int& outer, std::string& error) {
+    Options event;
+    for (const auto& [name, value] : o)
+        if (name.rfind("outer-", 0) == 0) event[name.substr(6)] = value;
+    outer = slot::default_event;
+    if (event.empty()) return true;
+    outer = slot::first_user + 1;
+    if (!load_event_option(event, s, outer, error)) {
+        error = "outer event: " + error;
+        return false;
+    }
+    return true;
+}
 
 // The pages of a birth with its prenatal epoch, and those among them that are landscape.
 bool prenatal_page(const std::string& page) {
@@ -114,13 +139,15 @@ bool format_of(const std::string& path, Format& f) {
 }
 
 // Draws the page of the options with the session's settings; false after a fatal error.
-bool draw_page(Prepared& p, const std::string& page, Drawing& g) {
+bool draw_page(Prepared& p, const std::string& page, Drawing& g, int outer) {
     g.d.screen_page = page;
     g.d.working_event = slot::first_user;
     g.d.inner_event = slot::first_user;
+    g.d.chart_kind = "C";
     // A prenatal page draws the birth with its epoch, which the row's epoch cells give.
     g.d.outer_event = slot::first_user + slot::epoch_offset;
     derive_epoch_event(p.s.event_slots, slot::first_user, g.d.outer_event);
+    if (double_page(page)) g.d.outer_event = outer;
     g.d.allow_stepping = true;
     g.d.stepping_on = false;
     if (page != "harmonics") return drawing::screen_display(g) && !p.fatal;
@@ -171,6 +198,8 @@ int command_render(const Options& o) {
         calculate_epoch(s);
         put_epoch_in_event(s, birth, s.epoch.recommended > 0 ? s.epoch.recommended : 1);
     }
+    int outer = slot::default_event;
+    if (double_page(page) && !load_outer_event(o, s, outer, error)) return fail(error);
     s.chart.world_view = view;
     if (const auto it = o.find("world-view"); it != o.end()) {
         const std::string& w = it->second;
@@ -230,7 +259,7 @@ int command_render(const Options& o) {
         canvases.chart = target;
     Drawing g(s, canvases);
     g.d.printing = printing;
-    if (!draw_page(*prepared, page, g)) return fail("the page could not be drawn");
+    if (!draw_page(*prepared, page, g, outer)) return fail("the page could not be drawn");
 
     if (raster) {
         if (!raster->save_png(out, error)) return fail(error);
@@ -267,7 +296,8 @@ int command_bench_render(const Options& o) {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < n; ++i) {
         p->s.event_slots[slot::first_user][col::day] = std::to_string(1 + i % 28);
-        if (!draw_page(*p, "geo1", g)) return fail("the page could not be drawn");
+        if (!draw_page(*p, "geo1", g, slot::default_event))
+            return fail("the page could not be drawn");
     }
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

@@ -1,6 +1,7 @@
 #include "drawing/chart_pages.h"
 
 #include "aspects/aspect_search.h"
+#include "drawing/double_pages.h"
 #include "drawing/page_furniture.h"
 #include "drawing/prenatal_pages.h"
 #include "drawing/recording_surface.h"
@@ -567,6 +568,11 @@ const std::map<std::string_view, PageEntry>& pages_table() {
         {"lem_prenatal3dwith", {&lem_prenatal_3d_page, true}},
         {"lem_prenatal3dse", {&lem_prenatal_3d_page, true}},
         {"plan display", {&plan_display_page, true}},
+        {"geo_double", {&geo_double_page, true}},
+        {"helio_double", {&helio_double_page, true}},
+        {"lemni_double", {&lemni_double_page, true}},
+        {"geo_helio_double", {&geo_helio_double_page, true}},
+        {"helio_geo_double", {&helio_geo_double_page, true}},
         {"planets motion", {&planets_motion_page, true}},
     };
     return table;

@@ -119,6 +119,11 @@ float page_header(Drawing& g, float x, bool with_aspect_set, const std::string& 
         if (with_aspect_set) z += ", Aspect set: " + f.aspect_set;
         lines.push_back(z);
     }
+    return draw_header_lines(g, x, y_first, lines, max_width);
+}
+
+float draw_header_lines(Drawing& g, float x, float y_first, const std::vector<std::string>& lines,
+                        float max_width) {
     float y = y_first;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         // A line wider than the room is broken after its commas.
@@ -255,22 +260,13 @@ std::vector<ListedBody> listed_bodies(const Session& s) {
     return out;
 }
 
-namespace {
-
-// Columns of texts drawn row by row from y_top; column 0 is a glyph. Returns the width taken.
-struct Column {
-    std::vector<std::string> cells; // symbol-font texts
-    std::string head;               // ARIAL
-    bool symbols = true;
-};
-
 float draw_columns(Drawing& g, float x, float y_top, float y_bottom, float size,
-                   std::vector<Column>& columns, int rows) {
+                   std::vector<TableColumn>& columns, int rows) {
     const float row_height = (y_bottom - y_top) / static_cast<float>(rows + 1);
     fit_table_font(g, row_height, size);
     const float half = g.d.table_half_space;
     float cx = x + half;
-    for (Column& c : columns) {
+    for (TableColumn& c : columns) {
         float width = 0, w = 0, h = 0;
         g.display_text_w_h(c.head.empty() ? "ABC" : c.head, 1.0f, w, h);
         width = w;
@@ -295,6 +291,8 @@ float draw_columns(Drawing& g, float x, float y_top, float y_bottom, float size,
     return cx - x;
 }
 
+namespace {
+
 std::string glyph_text(unsigned char c) {
     return std::string(1, static_cast<char>(c));
 }
@@ -303,20 +301,20 @@ std::string glyph_text(unsigned char c) {
 
 float position_table(Drawing& g, float x, float y_top, float y_bottom, float size) {
     const auto bodies = listed_bodies(g.s);
-    Column pl{{}, "Pl", true}, pos{{}, "Position", true};
+    TableColumn pl{{}, "Pl", true}, pos{{}, "Position", true};
     for (const ListedBody& b : bodies) {
         pl.cells.push_back(glyph_text(b.glyph));
         pos.cells.push_back(format_position_dm(b.longitude, g.s.chart.sign_form) +
                             (b.retrograde ? " R" : "  "));
     }
-    std::vector<Column> cols{pl, pos};
+    std::vector<TableColumn> cols{pl, pos};
     return draw_columns(g, x, y_top, y_bottom, size, cols, static_cast<int>(bodies.size()));
 }
 
 float latitude_table(Drawing& g, float x, float y_top, float y_bottom, float size) {
     const auto bodies = listed_bodies(g.s);
     const Nutation& n = g.s.engine.nutation;
-    Column pl{{}, "Pl", true}, lat{{}, " Lat.", true}, dec{{}, "Decl.", true};
+    TableColumn pl{{}, "Pl", true}, lat{{}, " Lat.", true}, dec{{}, "Decl.", true};
     for (const ListedBody& b : bodies) {
         pl.cells.push_back(glyph_text(b.glyph));
         lat.cells.push_back(format_lat_dm(b.latitude));
@@ -326,13 +324,13 @@ float latitude_table(Drawing& g, float x, float y_top, float y_bottom, float siz
                           std::cos(b.latitude) * n.sin_obliquity * std::sin(l);
         dec.cells.push_back(format_lat_dm(std::asin(std::clamp(sd, -1.0, 1.0))));
     }
-    std::vector<Column> cols{pl, lat, dec};
+    std::vector<TableColumn> cols{pl, lat, dec};
     return draw_columns(g, x, y_top, y_bottom, size, cols, static_cast<int>(bodies.size()));
 }
 
 float nodes_table(Drawing& g, float x, float y_top, float y_bottom, float size) {
     const PositionLists& p = g.s.engine.pos;
-    Column pl{{}, "Pl", true}, nodes{{}, "Nodes", true}, peri{{}, "Perih.", true};
+    TableColumn pl{{}, "Pl", true}, nodes{{}, "Nodes", true}, peri{{}, "Perih.", true};
     for (int i = 0; i < p.helio_count_base; ++i) {
         const auto k = static_cast<std::size_t>(i);
         if (p.helio_glyph[k] == 0) continue;
@@ -341,20 +339,20 @@ float nodes_table(Drawing& g, float x, float y_top, float y_bottom, float size) 
         peri.cells.push_back(format_position_dm(p.helio_peri[k], g.s.chart.sign_form));
     }
     const int rows = static_cast<int>(pl.cells.size());
-    std::vector<Column> cols{pl, nodes, peri};
+    std::vector<TableColumn> cols{pl, nodes, peri};
     return draw_columns(g, x, y_top, y_bottom, size, cols, rows);
 }
 
 float house_table(Drawing& g, float x, float y_top, float y_bottom, float size, int row) {
     const Session& s = g.s;
     const bool progressed = cell(s.event_slots[row], col::event) == "Progressed";
-    Column number{{}, progressed ? "Houses " : "Houses", false}, pos{{}, " ", true};
+    TableColumn number{{}, progressed ? "Houses " : "Houses", false}, pos{{}, " ", true};
     for (int i = 1; i <= 12; ++i) {
         number.cells.push_back(std::to_string(i));
         pos.cells.push_back(format_position_dm(s.engine.house_cusps[static_cast<std::size_t>(i)],
                                                s.chart.sign_form));
     }
-    std::vector<Column> cols{number, pos};
+    std::vector<TableColumn> cols{number, pos};
     return draw_columns(g, x, y_top, y_bottom, size, cols, 12);
 }
 

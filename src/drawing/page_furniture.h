@@ -32,6 +32,10 @@ EventFacts event_facts(Drawing& g, int row);
 // comma. Returns the y below its last line.
 float page_header(Drawing& g, float x, bool with_aspect_set, const std::string& view, float y_first,
                   bool with_zodiac, int row, float max_width = 0);
+// Header lines at x from y_first at the surface's font, the first as the event's name; a line
+// wider than `max_width` (when above 0) is broken after a comma. Returns the y below them.
+float draw_header_lines(Drawing& g, float x, float y_first, const std::vector<std::string>& lines,
+                        float max_width = 0);
 // The same facts centred on the wheel's axis inside a circle of `r_inner`.
 void draw_centre_data(Drawing& g, float cx, float cy, float r_inner, int row);
 
@@ -45,6 +49,15 @@ float character_height_at_20pt(Drawing& g);
 // ARIAL, the symbols in their own font, outside colours. Returns the width drawn.
 float draw_mixed_outside(Drawing& g, float x, float y, std::string_view text);
 
+// Columns of texts drawn row by row from y_top under their heads, in symbols or in ARIAL, the
+// font fitted to the rows; returns the width taken.
+struct TableColumn {
+    std::vector<std::string> cells;
+    std::string head;
+    bool symbols = true;
+};
+float draw_columns(Drawing& g, float x, float y_top, float y_bottom, float size,
+                   std::vector<TableColumn>& columns, int rows);
 // A side table in a box; each returns the width it took.
 float position_table(Drawing& g, float x, float y_top, float y_bottom, float size);
 float latitude_table(Drawing& g, float x, float y_top, float y_bottom, float size);

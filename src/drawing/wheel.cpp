@@ -691,7 +691,8 @@ void draw_aspect_lines(Drawing& g, const AspectMatrix& m, double rotation, float
     g.d.rotate_text = 0;
     for (int i = std::max(1, first); i <= std::min(last, m.rows); ++i) {
         for (int j = flag ? 1 : i + 1; j <= m.columns; ++j) {
-            if (i == j || !m.in_aspect(i, j)) continue;
+            // In a cross matrix a body meets its own place in the other chart.
+            if ((!flag && i == j) || !m.in_aspect(i, j)) continue;
             const std::string& glyph = m.mark(i, j, 2);
             if (glyph.empty()) continue;
             const double li = m.cell(i, 0) * one_degree + rotation;

@@ -305,6 +305,129 @@ bool chart_request(Session& s, const ChartCommand& command, MessageSink& sink) {
     return true;
 }
 
+const std::vector<DoubleCommand>& double_commands() {
+    using I = DoubleInner;
+    using O = DoubleOuter;
+    static const std::vector<DoubleCommand> commands = {
+        {"comp_geo", "geo_double", "Geocentric", I::active, O::compare, true, "Geocentric"},
+        {"comp_helio", "helio_double", "Heliocentric", I::active, O::compare, true, "Heliocentric"},
+        {"Comp_hermetic", "geo_double", "Tychonic", I::active, O::compare, true, "Tychonic"},
+        {"Comp_Lemni", "lemni_double", "Lemnicentric", I::active, O::compare, true, "Lemnicentric"},
+        {"comp_geo_her", "geo_helio_double", "Geo/Helio", I::active, O::compare, true, "Geo/Helio"},
+        {"epoch_birth_geo", "geo_double", "Geocentric", I::active, O::epoch, false, "Geocentric"},
+        {"epoch_birth_hel", "helio_double", "Heliocentric", I::active, O::epoch, false,
+         "Heliocentric"},
+        {"epoch_birth_her", "geo_double", "Tychonic", I::active, O::epoch, false, "Tychonic"},
+        {"epoch_birth_lem", "lemni_double", "Lemnicentric", I::active, O::epoch, false,
+         "Lemnicentric"},
+        {"epoch_geo_comp", "geo_double", "Geocentric", I::epoch, O::compare, true, "Geocentric"},
+        {"epoch_hel_comp", "helio_double", "Heliocentric", I::epoch, O::compare, true,
+         "Heliocentric"},
+        {"epoch_her_comp", "geo_double", "Tychonic", I::epoch, O::compare, true, "Tychonic"},
+        {"epoch_lem_comp", "lemni_double", "Lemnicentric", I::epoch, O::compare, true,
+         "Lemnicentric"},
+        {"epoch_geo_her_comp", "geo_helio_double", "Geo/Helio", I::epoch, O::compare, true,
+         "Geo/Helio"},
+        {"epoch_event_geo_comp", "geo_double", "Geocentric", I::epoch, O::compare_epoch, false,
+         "Geocentric"},
+        {"epoch_event_helio_comp", "helio_double", "Heliocentric", I::epoch, O::compare_epoch,
+         false, "Heliocentric"},
+        {"epoch_event_her_comp", "geo_double", "Tychonic", I::epoch, O::compare_epoch, false,
+         "Tychonic"},
+        {"epoch_event_lemni_comp", "lemni_double", "Lemnicentric", I::epoch, O::compare_epoch,
+         false, "Lemnicentric"},
+        {"epoch_event_geo_her_comp", "geo_helio_double", "Geo/Helio", I::epoch, O::compare_epoch,
+         false, "Geo/Helio"},
+        {"geo_crux", "geo_double", "Geocentric", I::active, O::default_event, true, "Geocentric"},
+        {"hel_crux", "helio_double", "Heliocentric", I::active, O::default_event, true,
+         "Heliocentric"},
+        {"lem_crux", "lemni_double", "Lemnicentric", I::active, O::default_event, true,
+         "Lemnicentric"},
+        {"ty_crux", "geo_double", "Tychonic", I::active, O::default_event, true, "Tychonic"},
+        {"epoch_geo_crux", "geo_double", "Geocentric", I::epoch, O::default_event, true,
+         "Geocentric"},
+        {"epoch_hel_crux", "helio_double", "Heliocentric", I::epoch, O::default_event, true,
+         "Heliocentric"},
+        {"epoch_lem_crux", "lemni_double", "Lemnicentric", I::epoch, O::default_event, true,
+         "Lemnicentric"},
+        {"epoch_ty_crux", "geo_double", "Tychonic", I::epoch, O::default_event, true, "Tychonic"},
+    };
+    return commands;
+}
+
+const DoubleCommand* find_double_command(const std::string& name) {
+    for (const DoubleCommand& c : double_commands())
+        if (name == c.name) return &c;
+    return nullptr;
+}
+
+namespace {
+
+// The epoch row of a user slot, rebuilt from its stored epoch; 0 with the message when the slot
+// has none.
+int epoch_row_of(Session& s, int slot, MessageSink& sink) {
+    EventSlots& slots = s.event_slots;
+    if (trim(slots[slot][col::epoch_exists]) != "Y") {
+        sink.message("NO EPOCH", "Event " + std::to_string(slot) + " has no prenatal epoch yet.",
+                     MessageIcon::information);
+        return 0;
+    }
+    const int row = slot + slot::epoch_offset;
+    derive_epoch_event(slots, slot, row);
+    return row;
+}
+
+} // namespace
+
+bool double_chart_request(Session& s, const DoubleCommand& command, int compare_slot,
+                          MessageSink& sink) {
+    EventSlots& slots = s.event_slots;
+    const int active = slots.active_event;
+    if (!active_event_present(s, sink)) return false;
+    const bool compared =
+        command.outer == DoubleOuter::compare || command.outer == DoubleOuter::compare_epoch;
+    if (compared && (compare_slot < slot::first_user || compare_slot > slot::last_user ||
+                     slot_is_empty(slots[compare_slot]))) {
+        sink.message("NO EVENT",
+                     "Event " + std::to_string(compare_slot) +
+                         " holds no event to compare with. Choose a card with Compare, or put an "
+                         "event into it.",
+                     MessageIcon::information);
+        return false;
+    }
+    int inner = active;
+    if (command.inner == DoubleInner::epoch && !(inner = epoch_row_of(s, active, sink)))
+        return false;
+    int outer = slot::default_event;
+    switch (command.outer) {
+    case DoubleOuter::compare:
+        outer = compare_slot;
+        break;
+    case DoubleOuter::compare_epoch:
+        outer = epoch_row_of(s, compare_slot, sink);
+        break;
+    case DoubleOuter::epoch:
+        outer = epoch_row_of(s, active, sink);
+        break;
+    case DoubleOuter::default_event:
+        break;
+    }
+    if (!outer) return false;
+    DrawingState& d = s.drawing;
+    d.working_event = d.inner_event = inner;
+    d.outer_event = outer;
+    d.chart_kind = "C";
+    d.screen_page = command.screen_page;
+    s.chart.world_view = command.world_view;
+    d.printing = false;
+    select_zodiac(s, sink);
+    d.allow_stepping = d.show_step_panel = command.stepping;
+    d.stepping_on = false;
+    d.chart_calling = "chart";
+    slots[slot::work] = slots[inner];
+    return true;
+}
+
 const std::vector<TimeStep>& time_steps() {
     static const std::vector<TimeStep> steps = {
         {"1sec", "1 s", 0, 0, 0, 0, 0, 1},          {"10secs", "10 s", 0, 0, 0, 0, 0, 10},

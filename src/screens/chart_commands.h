@@ -82,6 +82,28 @@ bool active_event_present(const Session& s, MessageSink& sink);
 // so).
 bool chart_request(Session& s, const ChartCommand& command, MessageSink& sink);
 
+// The double charts: an inner event against an outer one on one band, with their cross aspects.
+// The inner event is the active one or its epoch; the outer one the event chosen to compare
+// with, its epoch, the active event's epoch, or the program's default event.
+enum class DoubleInner { active, epoch };
+enum class DoubleOuter { compare, compare_epoch, epoch, default_event };
+struct DoubleCommand {
+    const char* name;
+    const char* screen_page;
+    const char* world_view;
+    DoubleInner inner;
+    DoubleOuter outer;
+    bool stepping;
+    const char* caption;
+};
+const std::vector<DoubleCommand>& double_commands();
+const DoubleCommand* find_double_command(const std::string& name);
+// Sets the drawing values of a double chart as `chart_request` does for one event: the inner
+// and outer slots, the kind "C", the page and the world view. False, with the message, when a
+// slot holds no event or an epoch is missing.
+bool double_chart_request(Session& s, const DoubleCommand& command, int compare_slot,
+                          MessageSink& sink);
+
 // The time steps of `chart_display`: "plus1sec" ... "plus100years" and the "minus" ones.
 struct TimeStep {
     const char* name;

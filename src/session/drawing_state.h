@@ -94,6 +94,14 @@ struct DrawingState {
     int working_event = 0;
     int inner_event = 0, outer_event = 0;
     std::string chart_kind;
+    // A double chart of a progression: its kind ("Secondary", "Solar Arc", "OD") and the birth
+    // row a ring whose event reads "Progressed" is progressed from; for transits over it,
+    // `transits_over` is set.
+    std::string progression_kind;
+    int progressed_base = 0;
+    bool transits_over = false;
+    // The prenatal or lifetime biography a "B" double chart belongs to.
+    bool prenatal_biography = false;
     std::string chart_calling;
     bool allow_stepping = true, show_step_panel = true, stepping_on = false;
     MotionSettings motion;

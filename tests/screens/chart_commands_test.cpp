@@ -83,6 +83,54 @@ TEST_F(ChartCommands, APrenatalChartDrawsTheBirthWithItsEpoch) {
     EXPECT_EQ(s.drawing.screen_page, "plan display");
 }
 
+// A double chart draws the active event (or its epoch) inside and the compared event, an epoch
+// or the default event outside; each event it needs must be there.
+TEST_F(ChartCommands, DoubleChartsNameTheirTwoEvents) {
+    s.event_slots[1] = make_default_event();
+    s.event_slots[1][col::epoch_exists] = "Y";
+    struct Case {
+        const char* command;
+        int compare;
+        const char* refused; // the message's title, or null when the chart is drawn
+        int inner, outer;
+        const char* page;
+        bool stepping;
+    };
+    const int epoch_1 = 1 + slot::epoch_offset, epoch_2 = 2 + slot::epoch_offset;
+    const Case cases[] = {
+        {"comp_geo", 2, "NO EVENT", 0, 0, "", false},
+        {"comp_geo", 1, nullptr, 1, 1, "geo_double", true},
+        {"comp_geo_her", 3, nullptr, 1, 3, "geo_helio_double", true},
+        {"epoch_birth_lem", 2, nullptr, 1, epoch_1, "lemni_double", false},
+        {"epoch_event_geo_comp", 3, "NO EPOCH", 0, 0, "", false},
+        {"epoch_event_geo_comp", 2, nullptr, epoch_1, epoch_2, "geo_double", false},
+        {"ty_crux", 4, nullptr, 1, slot::default_event, "geo_double", true},
+        {"epoch_hel_crux", 4, nullptr, epoch_1, slot::default_event, "helio_double", true},
+    };
+    s.event_slots[2] = make_default_event();
+    s.event_slots[2][col::epoch_exists] = "Y";
+    s.event_slots[3] = make_default_event();
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.command) + " against " + std::to_string(c.compare));
+        if (c.refused && std::string(c.refused) == "NO EVENT") s.event_slots[2] = {};
+        const bool drawn =
+            double_chart_request(s, *find_double_command(c.command), c.compare, folder.sink);
+        if (c.refused) {
+            EXPECT_FALSE(drawn);
+            EXPECT_EQ(folder.sink.messages.back().title, c.refused);
+            s.event_slots[2] = make_default_event();
+            s.event_slots[2][col::epoch_exists] = "Y";
+            continue;
+        }
+        ASSERT_TRUE(drawn);
+        EXPECT_EQ(s.drawing.inner_event, c.inner);
+        EXPECT_EQ(s.drawing.outer_event, c.outer);
+        EXPECT_EQ(s.drawing.screen_page, c.page);
+        EXPECT_EQ(s.drawing.chart_kind, "C");
+        EXPECT_EQ(s.drawing.allow_stepping, c.stepping);
+    }
+}
+
 // Steps change the work row only, and carry as the calendar does; back and forth returns.
 TEST_F(ChartCommands, StepsMoveTheShownTimeOnly) {
     s.event_slots[1] = make_default_event();

@@ -50,15 +50,6 @@ constexpr MenuEntry later_charts[] = {
     {"tmm_identity", "TMM Identity Chart"},
     {"tmm_spirit", "TMM Spirit Chart"},
 };
-constexpr MenuEntry comparison_commands[] = {
-    {"comp_geo", "Geocentric"},
-    {"comp_helio", "Heliocentric"},
-    {"Comp_hermetic", "Tychonic"},
-    {"Comp_Lemni", "Lemnicentric"},
-    {"comp_geo_her", "Geo/Helio"},
-    {"epoch_birth_geo", "Epoch against birth"},
-    {"geo_crux", "Against the default event"},
-};
 constexpr MenuEntry predictive_commands[] = {
     {"astro_biog", "Astrological biography"},   {"transits", "Transits"},
     {"progressions", "Progressions"},           {"phem_aspects", "Phenomena"},
@@ -71,8 +62,10 @@ constexpr MenuEntry table_commands[] = {
     {"list_stars", "List stars"},
     {"list_star_aspects", "List star aspects"},
     {"list_seperations", "List separations"},
+    {"selected_tables", "Listing tables"},
     {"selected_events", "Similars"},
     {"print_event_charts", "Print charts of the event"},
+    {"analysis_database", "Analysis database"},
 };
 constexpr MenuEntry option_commands[] = {
     {"chart_options", "Display and print options"},
@@ -139,8 +132,25 @@ void ChartWindow::build_menus() {
     for (const MenuEntry& e : later_charts) add(charts, e.name, e.caption);
     epoch->addSeparator();
     add(epoch, "calculate_epoch", "Find the prenatal epoch");
+    // The double charts, a section for each pair of events.
     QMenu* comparisons = menuBar()->addMenu("C&ompare");
-    for (const MenuEntry& e : comparison_commands) add(comparisons, e.name, e.caption);
+    const std::pair<DoubleInner, DoubleOuter> sections[] = {
+        {DoubleInner::active, DoubleOuter::compare},
+        {DoubleInner::active, DoubleOuter::epoch},
+        {DoubleInner::active, DoubleOuter::default_event},
+        {DoubleInner::epoch, DoubleOuter::compare},
+        {DoubleInner::epoch, DoubleOuter::compare_epoch},
+        {DoubleInner::epoch, DoubleOuter::default_event}};
+    const char* section_titles[] = {
+        "Active event against the compared one",    "Birth against its epoch",
+        "Active event against the default event",   "Epoch against the compared event",
+        "Epoch against the compared event's epoch", "Epoch against the default event"};
+    for (std::size_t k = 0; k < std::size(sections); ++k) {
+        comparisons->addSection(section_titles[k]);
+        for (const DoubleCommand& c : double_commands())
+            if (c.inner == sections[k].first && c.outer == sections[k].second)
+                add(comparisons, c.name, c.caption);
+    }
     QMenu* predictive = menuBar()->addMenu("&Predictive");
     for (const MenuEntry& e : predictive_commands) add(predictive, e.name, e.caption);
     QMenu* tables = menuBar()->addMenu("&Tables");

@@ -5,6 +5,9 @@
 #include "screens/chart_commands.h"
 #include "screens/widgets/chart_display.h"
 #include "screens/widgets/chart_window.h"
+#include "screens/widgets/listing_windows.h"
+#include "screens/widgets/similars_windows.h"
+#include "screens/widgets/tables_windows.h"
 #include "session/session.h"
 
 #include <QApplication>
@@ -25,6 +28,9 @@ Desktop::Desktop(Session& session) : session_(session), drawing_(session, canvas
     add_predictive_windows(*this);
     add_phenomena_windows(*this);
     add_monthly_window(*this);
+    add_listing_windows(*this);
+    add_tables_windows(*this);
+    add_similars_windows(*this);
     chart_window_->enable_known_commands();
 }
 
@@ -40,7 +46,8 @@ ChartDisplay& Desktop::chart_display() {
 }
 
 bool Desktop::knows(const std::string& command) const {
-    return find_chart_command(command) != nullptr || commands_.count(command) > 0;
+    return find_chart_command(command) != nullptr || find_double_command(command) != nullptr ||
+           commands_.count(command) > 0;
 }
 
 void Desktop::add_command(const std::string& command, std::function<void()> open) {
@@ -50,6 +57,12 @@ void Desktop::add_command(const std::string& command, std::function<void()> open
 bool Desktop::run(const std::string& command) {
     if (const ChartCommand* c = find_chart_command(command)) {
         if (chart_request(session_, *c, session_sink(session_))) show_page();
+        return true;
+    }
+    if (const DoubleCommand* c = find_double_command(command)) {
+        if (double_chart_request(session_, *c, chart_window().state().compare_event,
+                                 session_sink(session_)))
+            show_page();
         return true;
     }
     const auto it = commands_.find(command);
