@@ -342,29 +342,43 @@ bool save_row_moment(Session& s, const Hit& hit, const RowMoment& m, MessageSink
 bool display_row_moment(Session& s, const Hit& hit, const RowMoment& m, MessageSink& sink) {
     EventInput in;
     if (!moment_input(s, hit, m, in, sink)) return false;
-    // The double chart of the event and the moment is not drawn by this version: the moment's
-    // own chart stands in for it, in the world view of the row.
-    copy_screen_to_slot(in, s.event_slots, slot::work);
+    // The double chart of the run's event inside and the row's moment outside: a transit, a
+    // progressed or a biography chart by the mode.
+    constexpr int moment_row = slot::work + 1;
+    copy_screen_to_slot(in, s.event_slots, moment_row);
     const std::string view = moment_world_view(s, hit);
+    const std::string& mode = s.predictive_params.mode;
     DrawingState& d = s.drawing;
-    d.working_event = d.inner_event = slot::work;
+    d.inner_event = d.working_event = s.event_slots.active_event;
+    d.outer_event = moment_row;
+    d.chart_kind = mode == "B" || mode == "P" ? mode : "T";
+    d.prenatal_biography = s.predictive.ab_prenatal;
+    d.transits_over = false;
+    d.progression_kind.clear();
+    d.progressed_base = 0;
+    if (mode == "P") {
+        s.event_slots[moment_row][col::event] = "Progressed";
+        d.progression_kind = s.predictive.choices.progression;
+        d.progressed_base = s.event_slots.active_event;
+    }
     if (view == "Heliocentric") {
-        d.screen_page = "helio1";
+        d.screen_page = "helio_double";
         s.chart.world_view = "Heliocentric";
     } else if (view == "Lemnicentric") {
-        d.screen_page = "lem1";
+        d.screen_page = "lemni_double";
         s.chart.world_view = "Lemnicentric";
     } else if (view == "Geo/Helio" || view == "Helio/Geo") {
-        d.screen_page = "geo_helio1";
+        d.screen_page = view == "Geo/Helio" ? "geo_helio_double" : "helio_geo_double";
         s.chart.world_view = "Geo/Helio";
     } else {
-        d.screen_page = "geo1";
+        d.screen_page = "geo_double";
         s.chart.world_view =
             s.predictive.choices.world_view == "Tychonic" ? "Tychonic" : "Geocentric";
     }
     d.printing = false;
     select_zodiac(s, sink);
-    d.allow_stepping = d.show_step_panel = true;
+    // The moment is fixed by its row: no stepping.
+    d.allow_stepping = d.show_step_panel = false;
     d.stepping_on = false;
     d.chart_calling = "ab_events";
     return true;

@@ -235,12 +235,15 @@ TEST_F(RowMomentTest, TheMomentsChartComesBackToTheWindow) {
     m.different_place = true;
     m.place = "Bern";
     ASSERT_TRUE(display_row_moment(s, hit, m, folder.sink));
-    EXPECT_EQ(s.drawing.working_event, slot::work);
-    EXPECT_EQ(s.drawing.screen_page, "helio1");
+    // The event inside, the moment outside.
+    EXPECT_EQ(s.drawing.inner_event, s.event_slots.active_event);
+    const int moment = s.drawing.outer_event;
+    EXPECT_EQ(s.drawing.screen_page, "helio_double");
+    EXPECT_EQ(s.drawing.chart_kind, "T");
     EXPECT_EQ(s.chart.world_view, "Heliocentric");
     EXPECT_EQ(s.drawing.chart_calling, "ab_events");
-    EXPECT_EQ(s.event_slots[slot::work][col::place], "Bern");
-    EXPECT_EQ(s.event_slots[slot::work][col::hours], "13");
+    EXPECT_EQ(s.event_slots[moment][col::place], "Bern");
+    EXPECT_EQ(s.event_slots[moment][col::hours], "13");
 }
 
 } // namespace

@@ -110,7 +110,7 @@ TEST_F(PredictiveWindows, PagesFollowAndARowMakesAMoment) {
     ASSERT_NE(chart, nullptr);
     chart->click();
     EXPECT_TRUE(ds.find<QWidget>("chart_display")->isVisible());
-    EXPECT_EQ(ds.s.drawing.working_event, slot::work);
+    EXPECT_EQ(ds.s.drawing.screen_page, "geo_double");
     ds.press("screen_cancel");
     EXPECT_TRUE(events->isVisible());
     ds.press("ab_events_exit");
