@@ -637,11 +637,14 @@ std::vector<SeriesPage> chart_series_pages(const ChartPrintSelection& selection)
         const char* world_view;
         const char* standard;
         const char* star;
+        const char* compare;
     };
     static constexpr Group groups[ChartPrintSelection::groups] = {
-        {"Geocentric", "geo1", "star_geo"},       {"Lemnicentric", "lem1", "star_lem"},
-        {"Heliocentric", "helio1", "star_helio"}, {"Geo/Helio", "geo_helio1", "star_geo_helio"},
-        {"Tychonic", "geo1", "star_geo"},
+        {"Geocentric", "geo1", "star_geo", "geo_double"},
+        {"Lemnicentric", "lem1", "star_lem", "lemni_double"},
+        {"Heliocentric", "helio1", "star_helio", "helio_double"},
+        {"Geo/Helio", "geo_helio1", "star_geo_helio", "geo_helio_double"},
+        {"Tychonic", "geo1", "star_geo", "geo_double"},
     };
     std::vector<SeriesPage> pages;
     for (int i = 0; i < ChartPrintSelection::groups; ++i) {
@@ -649,6 +652,7 @@ std::vector<SeriesPage> chart_series_pages(const ChartPrintSelection& selection)
         const auto k = static_cast<std::size_t>(i);
         if (selection.standard[k]) pages.push_back({group.standard, group.world_view});
         if (selection.star[k]) pages.push_back({group.star, group.world_view});
+        if (selection.compare[k]) pages.push_back({group.compare, group.world_view});
         if (selection.harmonics[k]) pages.push_back({"harmonics", group.world_view});
         if (i == 2 && selection.helio_triple) pages.push_back({"helio_triple", "Heliocentric"});
     }

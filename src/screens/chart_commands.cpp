@@ -584,17 +584,32 @@ ChartPrintSelection chart_print_selection(const std::vector<std::string>& ticked
             selection.all_planets = true;
             break;
         case PrintedPage::compare:
+            selection.compare[k] = true;
             break;
         }
     }
     return selection;
 }
 
-bool chart_print_request(Session& s, bool epoch, MessageSink& sink) {
+bool chart_print_request(Session& s, bool epoch, int compare_slot, MessageSink& sink) {
+    if (compare_slot != 0 && (compare_slot < slot::first_user || compare_slot > slot::last_user ||
+                              slot_is_empty(s.event_slots[compare_slot]))) {
+        sink.message("NO EVENT",
+                     "Event " + std::to_string(compare_slot) +
+                         " holds no event to compare with. Choose a card with Compare, or put an "
+                         "event into it.",
+                     MessageIcon::information);
+        return false;
+    }
     const ChartCommand series{"print_event_charts", "geo1", "Geocentric",
                               epoch ? CommandEvents::epoch : CommandEvents::active,
                               "Print charts of the event"};
     if (!chart_request(s, series, sink)) return false;
+    // The comparison pages draw the printed event inside and the compared one outside.
+    if (compare_slot != 0) {
+        s.drawing.outer_event = compare_slot;
+        s.drawing.chart_kind = "C";
+    }
     // A printed series is no stepping chart.
     s.drawing.allow_stepping = s.drawing.show_step_panel = false;
     return true;

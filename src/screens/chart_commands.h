@@ -143,11 +143,11 @@ struct ChartPrintBox {
     const char* caption;
 };
 const std::vector<ChartPrintBox>& chart_print_boxes();
-// The selection of the ticked boxes. The comparison boxes select nothing: their pages come
-// with the double charts.
+// The selection of the ticked boxes.
 ChartPrintSelection chart_print_selection(const std::vector<std::string>& ticked);
 // Makes the active slot's event (or its epoch) the one printed, as a chart command does before
-// it draws. False, with the message, when there is none.
-bool chart_print_request(Session& s, bool epoch, MessageSink& sink);
+// it draws, and a user slot other than 0 the outer event of the comparison pages. False, with
+// the message, when either holds no event.
+bool chart_print_request(Session& s, bool epoch, int compare_slot, MessageSink& sink);
 
 } // namespace celestark

@@ -50,7 +50,7 @@ struct PageOptions {
 // charts.)
 struct ChartPrintSelection {
     static constexpr int groups = 5; // Geocentric, Lemnicentric, Heliocentric, Geo/Helio, Tychonic
-    std::array<bool, groups> standard{}, star{}, harmonics{};
+    std::array<bool, groups> standard{}, star{}, harmonics{}, compare{};
     bool helio_triple = false, all_planets = false;
 };
 

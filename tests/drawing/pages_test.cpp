@@ -154,19 +154,24 @@ TEST_F(Pages, ASeriesPrintsTheSelectionInOrder) {
     ChartPrintSelection selection;
     selection.standard = {true, false, true, false, true};
     selection.harmonics[0] = true;
+    selection.compare[2] = true;
     selection.all_planets = true;
+    ds.g->d.inner_event = slot::first_user;
+    ds.g->d.outer_event = slot::default_event;
+    ds.g->d.chart_kind = "C";
     const auto pages = drawing::chart_series_pages(selection);
     std::vector<std::string> words;
     for (const auto& p : pages) words.push_back(p.screen_page + "/" + p.world_view);
     EXPECT_EQ(words, (std::vector<std::string>{"geo1/Geocentric", "harmonics/Geocentric",
-                                               "helio1/Heliocentric", "geo1/Tychonic",
-                                               "display_all_planets/Geocentric"}));
+                                               "helio1/Heliocentric", "helio_double/Heliocentric",
+                                               "geo1/Tychonic", "display_all_planets/Geocentric"}));
     ds.paper.forget();
     ASSERT_TRUE(drawing::print_chart_series(*ds.g, pages));
     int ends = 0;
     for (const DrawCall& c : ds.paper.calls()) ends += c.kind == DrawCall::Kind::end_page;
-    EXPECT_EQ(ends, 5);
+    EXPECT_EQ(ends, 6);
     EXPECT_TRUE(any_text(ds.paper, "Geocentric Harmonics"));
+    EXPECT_TRUE(any_text(ds.paper, "Comparison Chart"));
     EXPECT_TRUE(any_text(ds.paper, " - Tychonic"));
     EXPECT_EQ(ds.s.chart.world_view, "Geocentric");
     ds.paper.setup_answer = false;

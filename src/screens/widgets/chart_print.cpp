@@ -2,10 +2,12 @@
 
 #include "drawing/chart_pages.h"
 #include "screens/chart_commands.h"
+#include "screens/widgets/chart_window.h"
 #include "screens/widgets/desktop.h"
 #include "session/session.h"
 
 #include <QApplication>
+
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -14,6 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include <memory>
 #include <vector>
@@ -47,10 +50,8 @@ ChartPrintWindow::ChartPrintWindow(Desktop& desktop)
             frames->addWidget(frame, n / 3, n % 3);
         }
         QCheckBox* check = make_check(this, box.name.c_str(), box.caption);
-        if (box.page == PrintedPage::compare) {
-            check->setEnabled(false);
-            check->setToolTip("The comparison pages come with the double charts");
-        }
+        if (box.page == PrintedPage::compare)
+            check->setToolTip("Against the event of the card chosen with Compare");
         connect(check, &QCheckBox::toggled, this, [this] { ticked_changed(); });
         grid->addWidget(check, grid->count(), 0);
         boxes_[box.name] = check;
@@ -89,9 +90,13 @@ bool ChartPrintWindow::print() {
     std::vector<std::string> ticked;
     for (const auto& [name, box] : boxes_)
         if (box->isChecked()) ticked.push_back(name);
-    const auto pages = drawing::chart_series_pages(chart_print_selection(ticked));
+    const ChartPrintSelection selection = chart_print_selection(ticked);
+    const auto pages = drawing::chart_series_pages(selection);
     if (pages.empty()) return false;
-    if (!chart_print_request(session(), epoch_->isChecked(), sink())) return false;
+    const bool compared = std::find(selection.compare.begin(), selection.compare.end(), true) !=
+                          selection.compare.end();
+    const int compare_slot = compared ? desktop().chart_window().state().compare_event : 0;
+    if (!chart_print_request(session(), epoch_->isChecked(), compare_slot, sink())) return false;
     return desktop().print([&] { return drawing::print_chart_series(desktop().drawing(), pages); });
 }
 
