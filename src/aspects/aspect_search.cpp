@@ -345,9 +345,8 @@ void helio_peri_aspect_search(Session& s) {
 }
 
 void calculate_cross_event(Session& s, int row) {
-    // Seam for the progressions: a row whose event cell reads "Progressed" is to be calculated
-    // by calculate_progressed_event from its base row. Progressed rows arrive with the
-    // progressions; until then such a row is calculated as the chart of its own moment.
+    // A progressed ring is drawn by the double pages, which calculate it from its birth row;
+    // here every row is the chart of its own moment.
     calculate_chart(s, row, true);
 }
 

@@ -76,9 +76,8 @@ void cross_geo_aspect_search(Session& s, int inner_event, int outer_event);
 void cross_helio_aspect_search(Session& s, int inner_event, int outer_event);
 void cross_lemni_aspect_search(Session& s, int inner_event, int outer_event);
 
-// The calculation of one event of a cross search. A row whose event cell (column 1) reads
-// "Progressed" is to be calculated as a progressed event from its base row; until progressions
-// exist every row is calculated as a chart (calculate_chart with retrograde marks).
+// The calculation of one event of a cross search: the chart of the row's moment with its
+// retrograde marks. (The double pages calculate a progressed ring themselves, from its birth.)
 void calculate_cross_event(Session& s, int row);
 
 } // namespace celestark

@@ -206,11 +206,14 @@ void double_page(Drawing& g, Ring inner_ring, Ring outer_ring) {
         g.display_filled_circle(cx, cy, r_in * 0.55f, g.colour(colour_field::inside_background));
     }
     plot_ring(g, inner, rotation, cx, cy, r_in, font, houses_inner);
+    // The eclipses before each event, on the inner scale and on the band's edge.
+    if (inner_ring == Ring::geo) draw_eclipse_marks(g, cx, cy, r_in, rotation, false);
     // The outer event's houses run across its own ring; the zodiac stays the inner event's.
     s.engine = outer.engine;
     if (houses_outer) draw_house_lines(g, cx, cy, r_band, r_in, rotation, font, 1);
     g.display_circle(cx, cy, r_in, g.d.line_colour_inside);
     plot_ring(g, outer, rotation, cx, cy, r_band, font, houses_outer);
+    if (outer_ring == Ring::geo) draw_eclipse_marks(g, cx, cy, r_band * 0.96f, rotation, true);
     g.display_circle(cx, cy, r_in * 0.55f, g.d.line_colour_inside);
 
     AspectMatrix cross;
