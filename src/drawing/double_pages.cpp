@@ -7,6 +7,7 @@
 #include "predict/progressions.h"
 #include "session/colour_fields.h"
 #include "session/constants.h"
+#include "session/predictive_state.h"
 #include "session/session.h"
 #include "session/text.h"
 #include "store/option_sets.h"
@@ -293,8 +294,34 @@ std::vector<std::string> double_header_lines(Drawing& g) {
         session_fatal_box(g.s, "Fatal Error in DOUBLE HEADER", std::string("CK61-") + fatal_tail);
         return {};
     }
-    return {event_line(g, d.inner_event, true), moment_line(g, d.inner_event),
-            event_line(g, d.outer_event, false), moment_line(g, d.outer_event), title};
+    std::vector<std::string> lines = {
+        event_line(g, d.inner_event, true), moment_line(g, d.inner_event),
+        event_line(g, d.outer_event, false), moment_line(g, d.outer_event), title};
+    // The run's own terms under the title: the life date and the biography's time keys, or the
+    // progression's zone and direction.
+    const PredictiveRun& r = g.s.predictive;
+    const EventFacts outer = event_facts(g, d.outer_event);
+    if (kind == "B") {
+        static constexpr const char* directions[] = {"Epoch to Birth", "From Birth forwards",
+                                                     "Birth to Epoch"};
+        static constexpr const char* ratios[] = {
+            "Sidereal lunar month = 7 years", "10 sidereal lunar months = 71.6 years",
+            "Synodic lunar month=7 years", "9 synodic months=71.6 years",
+            "9 solar months=71.6 years"};
+        const auto direction = static_cast<std::size_t>(std::clamp<int>(r.ab_mode, 1, 3) - 1);
+        const auto ratio =
+            static_cast<std::size_t>(std::clamp(static_cast<int>(r.time_ratio_code), 1, 5) - 1);
+        lines.push_back("Lifetime Date: " + outer.date + ", Time Zone: " + r.zone_code);
+        lines.push_back(std::string("Prenatal time direction: ") + directions[direction] +
+                        " - Time ratio: " + ratios[ratio]);
+        lines.push_back(std::string("Time projection: ") +
+                        (r.projection_mode == 2 ? " true (using actual position of SUN or MOON)"
+                                                : " mean (linear)"));
+    } else if (kind == "P") {
+        lines.push_back(outer.date + ", Time Zone: " + r.zone_code +
+                        " - Time Direction: " + (r.run_direction < 0 ? "Backward" : "Forward"));
+    }
+    return lines;
 }
 
 void geo_double_page(Drawing& g) {

@@ -120,10 +120,18 @@ TEST_F(DoublePages, TheTitleFollowsTheKindOfChart) {
         ds.g->d.transits_over = c.over;
         ds.g->d.prenatal_biography = c.prenatal;
         const auto lines = drawing::double_header_lines(*ds.g);
-        ASSERT_EQ(lines.size(), 5u);
+        ASSERT_GE(lines.size(), 5u);
         EXPECT_EQ(lines[0].rfind("Inner (1) ", 0), 0u) << lines[0];
         EXPECT_EQ(lines[4], c.title);
     }
+    // A biography chart says how its time was kept.
+    ds.g->d.chart_kind = "B";
+    ds.s.predictive.ab_mode = 3;
+    ds.s.predictive.time_ratio_code = 4;
+    const auto lines = drawing::double_header_lines(*ds.g);
+    ASSERT_EQ(lines.size(), 8u);
+    EXPECT_EQ(lines[6],
+              "Prenatal time direction: Birth to Epoch - Time ratio: 9 synodic months=71.6 years");
     ds.g->d.chart_kind = "X";
     EXPECT_TRUE(drawing::double_header_lines(*ds.g).empty());
     ASSERT_FALSE(ds.folder.fatal_titles.empty());
