@@ -59,13 +59,21 @@ void make_events(const fs::path& file) {
     work.commit();
 }
 
-void BM_AnalysisDatabase10000Events(benchmark::State& state) {
-    bench::Folder folder("celestark_bench_analysis");
-    make_events(folder.dir / "births.zod.mdb");
+// The table of births made in the benchmark's folder and open for reading.
+struct Births {
     store::TableStore db;
     store::Recordset events;
-    open_event_file(folder.dir / "births.zod.mdb", "Births", db, events,
-                    store::TableStore::Access::read_only);
+    explicit Births(const bench::Folder& folder) {
+        make_events(folder.dir / "births.zod.mdb");
+        open_event_file(folder.dir / "births.zod.mdb", "Births", db, events,
+                        store::TableStore::Access::read_only);
+    }
+};
+
+void BM_AnalysisDatabase10000Events(benchmark::State& state) {
+    bench::Folder folder("celestark_bench_analysis");
+    Births births(folder);
+    store::Recordset& events = births.events;
     const fs::path analysis = folder.dir / analysis_file_name;
     long added = 0;
     for (auto _ : state) {
@@ -80,11 +88,8 @@ BENCHMARK(BM_AnalysisDatabase10000Events)->Unit(benchmark::kSecond)->Iterations(
 
 void BM_RecalculateAnalysis10000Events(benchmark::State& state) {
     bench::Folder folder("celestark_bench_recalculate");
-    make_events(folder.dir / "births.zod.mdb");
-    store::TableStore db;
-    store::Recordset events;
-    open_event_file(folder.dir / "births.zod.mdb", "Births", db, events,
-                    store::TableStore::Access::read_only);
+    Births births(folder);
+    store::Recordset& events = births.events;
     const fs::path analysis = folder.dir / analysis_file_name;
     add_table_to_analysis(folder.s, events, analysis, folder.sink);
     folder.s.chart.zodiac = "Sidereal SVP";

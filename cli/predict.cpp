@@ -155,24 +155,12 @@ bool prepare_predict(const Options& o, const fs::path& folder, Prepared& prepare
         const bool local = has_inline_event(o) && (zone == "LMT" || zone == "LOCAL");
         if (!local && !put_zone(p, zone, error)) return false;
     }
-    if (const auto it = o.find("set"); it != o.end()) {
-        std::istringstream in(it->second);
-        std::string item;
-        while (std::getline(in, item, ',')) {
-            const auto eq = item.find('=');
-            if (eq == std::string::npos) {
-                error = "--set takes NAME=VALUE pairs, not '" + item + "'";
-                return false;
-            }
-            const std::string why =
-                set_predictive_control(p, item.substr(0, eq), item.substr(eq + 1));
-            if (!why.empty()) {
-                error = "--set: " + why;
-                return false;
-            }
-        }
-    }
-    return true;
+    return apply_set_option(
+        o,
+        [&p](const std::string& name, const std::string& value) {
+            return set_predictive_control(p, name, value);
+        },
+        error);
 }
 
 } // namespace
@@ -276,17 +264,13 @@ int command_phenomena(const Options& o) {
     PhenomenaParameters p = phenomena_defaults(s);
     for (const auto& [option, control] : {std::pair{"from-year", "start"}, {"to-year", "end_year"}})
         if (const auto it = o.find(option); it != o.end()) p.values[control] = it->second;
-    if (const auto it = o.find("set"); it != o.end()) {
-        std::istringstream in(it->second);
-        for (std::string item; std::getline(in, item, ',');) {
-            const auto eq = item.find('=');
-            if (eq == std::string::npos)
-                return fail("--set takes NAME=VALUE pairs, not '" + item + "'");
-            const std::string why =
-                set_phenomena_control(p, item.substr(0, eq), item.substr(eq + 1));
-            if (!why.empty()) return fail("--set: " + why);
-        }
-    }
+    if (!apply_set_option(
+            o,
+            [&p](const std::string& name, const std::string& value) {
+                return set_phenomena_control(p, name, value);
+            },
+            error))
+        return fail(error);
     if (!validate_phenomena(p, prepared->sink)) return 1;
     const std::vector<Phenomenon> rows = list_phenomena(s, p);
     if (prepared->fatal) return 1;

@@ -3,6 +3,8 @@
 #include "app/startup.h"
 #include "store/option_sets.h"
 
+#include <sstream>
+
 namespace celestark::cli {
 
 namespace fs = std::filesystem;
@@ -43,6 +45,25 @@ bool prepare_session(const Options& o, const fs::path& folder, Prepared& p, std:
             return false;
         }
         s.chart.display_colour_set = s.chart.print_colour_set = it->second;
+    }
+    return true;
+}
+
+bool apply_set_option(const Options& o, const ControlSetter& set, std::string& error) {
+    const auto it = o.find("set");
+    if (it == o.end()) return true;
+    std::istringstream in(it->second);
+    for (std::string item; std::getline(in, item, ',');) {
+        const auto eq = item.find('=');
+        if (eq == std::string::npos) {
+            error = "--set takes NAME=VALUE pairs, not '" + item + "'";
+            return false;
+        }
+        const std::string why = set(item.substr(0, eq), item.substr(eq + 1));
+        if (!why.empty()) {
+            error = "--set: " + why;
+            return false;
+        }
     }
     return true;
 }

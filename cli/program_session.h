@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -105,5 +106,11 @@ struct Prepared {
 // --houses and --colour-set; false with the reason.
 bool prepare_session(const Options& o, const std::filesystem::path& folder, Prepared& p,
                      std::string& error);
+
+// A window's control set from the command line: `set` takes a control's name and its value and
+// returns why it refused them, or nothing.
+using ControlSetter = std::function<std::string(const std::string&, const std::string&)>;
+// Takes --set NAME=VALUE,... through `set`; false with the reason at the first pair refused.
+bool apply_set_option(const Options& o, const ControlSetter& set, std::string& error);
 
 } // namespace celestark::cli

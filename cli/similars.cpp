@@ -108,17 +108,13 @@ int command_similars(const Options& o) {
     }
 
     SimilarsParameters p = similars_defaults(s);
-    if (const auto it = o.find("set"); it != o.end()) {
-        std::istringstream in(it->second);
-        for (std::string item; std::getline(in, item, ',');) {
-            const auto eq = item.find('=');
-            if (eq == std::string::npos)
-                return fail("--set takes NAME=VALUE pairs, not '" + item + "'");
-            const std::string why =
-                set_similars_control(p, item.substr(0, eq), item.substr(eq + 1));
-            if (!why.empty()) return fail("--set: " + why);
-        }
-    }
+    if (!apply_set_option(
+            o,
+            [&p](const std::string& name, const std::string& value) {
+                return set_similars_control(p, name, value);
+            },
+            error))
+        return fail(error);
 
     SimilarsRun run;
     if (!run.start(s, p, slot::first_user, tables, prepared->sink)) return 1;

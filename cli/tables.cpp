@@ -376,17 +376,30 @@ int command_events(const std::vector<std::string>& positional, const Options& o)
     return r.refused.empty() ? 0 : 1;
 }
 
+namespace {
+
+// Readies the program folder and a session on the default event, with --zodiac when given; null
+// with the reason when either cannot be had.
+std::unique_ptr<Prepared> start_on_default_event(const Options& o, ProgramFolder& folder,
+                                                 std::string& error) {
+    if (!folder.prepare(error)) return nullptr;
+    auto prepared = std::make_unique<Prepared>();
+    Options start = {{"default-event", ""}};
+    if (o.count("zodiac")) start["zodiac"] = option(o, "zodiac");
+    if (!prepare_session(start, folder.path(), *prepared, error)) return nullptr;
+    return prepared;
+}
+
+} // namespace
+
 int command_export(const Options& o) {
     const std::string out = option(o, "out");
     if (out.empty() || !o.count("from-year") || !o.count("to-year"))
         return fail("export needs --from-year Y --to-year Y --out FILE.mdb|DIR");
     std::string error;
     ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
-    auto prepared = std::make_unique<Prepared>();
-    Options start = {{"default-event", ""}};
-    if (o.count("zodiac")) start["zodiac"] = option(o, "zodiac");
-    if (!prepare_session(start, folder.path(), *prepared, error)) return fail(error);
+    const std::unique_ptr<Prepared> prepared = start_on_default_event(o, folder, error);
+    if (!prepared) return fail(error);
     Session& s = prepared->s;
     EphemerisRequest request;
     request.start_year = option(o, "from-year");
@@ -430,11 +443,8 @@ int command_analysis(const Options& o) {
                     "with --recalculate or --clear)");
     std::string error;
     ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
-    auto prepared = std::make_unique<Prepared>();
-    Options start = {{"default-event", ""}};
-    if (o.count("zodiac")) start["zodiac"] = option(o, "zodiac");
-    if (!prepare_session(start, folder.path(), *prepared, error)) return fail(error);
+    const std::unique_ptr<Prepared> prepared = start_on_default_event(o, folder, error);
+    if (!prepared) return fail(error);
     Session& s = prepared->s;
     const fs::path target = fs::absolute(out);
     if (clear) {

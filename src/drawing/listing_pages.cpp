@@ -1,7 +1,7 @@
 #include "drawing/listing_pages.h"
 
 #include "drawing/page_furniture.h"
-#include "session/colour_fields.h"
+#include "drawing/report_frame.h"
 #include "session/session.h"
 
 #include <algorithm>
@@ -58,17 +58,9 @@ double ListingPages::shown() const {
 void ListingPages::lay_out() {
     Surface* out = surface();
     if (!out) return;
-    DrawingState& d = g_.d;
-    d.display_target = "Listings";
-    const bool paper = d.printing;
-    const float W = out->width(), H = out->height();
-    const float f = paper ? 0.05f : 0.012f;
-    left_ = out->left_offset() + W * f;
-    right_ = out->left_offset() + W * (1 - f);
-    top_ = out->top_offset() + H * f;
-    bottom_ = out->top_offset() + H - H * f * (paper ? 1.5f : 1.0f);
-    const float room = std::max(1.0f, right_ - left_);
-    head_font_ = std::max(0.01f, room / head_divisor);
+    g_.d.display_target = "Listings";
+    frame_ = report_frame(*out, g_.d.printing, 0.012f, head_divisor);
+    const float room = frame_.room();
 
     // The widest cell of each column over all listings, at the first size.
     const float first = std::max(0.01f, room / row_divisor);
@@ -84,24 +76,14 @@ void ListingPages::lay_out() {
     }
     const float gap = text_width(g_, "   ");
     stops_.assign(5, 0);
-    float scale = 1;
-    for (int attempt = 0; attempt < 40; ++attempt) {
-        float x = 0;
-        for (std::size_t k = 0; k < 5; ++k) {
-            if (k > 0) x = std::max(listing_stops[k] * room, x + (widest[k - 1] + gap) * scale);
-            stops_[k] = x;
-        }
-        const float need = stops_[4] + widest[4] * scale;
-        if (need <= room) break;
-        scale *= std::min(0.98f, room / need);
-    }
+    const float scale = fit_column_stops(listing_stops, widest, 5, room, gap, stops_.data());
     font_ = std::max(0.01f, first * scale);
     g_.display_font_size(font_);
     row_height_ = line_height(g_) * 1.05f;
     static const Listing none;
     rows_top_ = head(listings_.empty() ? none : listings_.front(), 0, false);
-    per_page_ =
-        static_cast<std::size_t>(std::max(1.0f, std::floor((bottom_ - rows_top_) / row_height_)));
+    per_page_ = static_cast<std::size_t>(
+        std::max(1.0f, std::floor((frame_.bottom - rows_top_) / row_height_)));
 }
 
 int ListingPages::page_count() {
@@ -114,31 +96,9 @@ int ListingPages::page_count() {
 
 // The head of a page; returns where its rows begin.
 float ListingPages::head(const Listing& l, int page_number, bool draw) {
-    DrawingState& d = g_.d;
-    g_.display_font_size(head_font_);
-    const float line = line_height(g_);
-    if (draw) {
-        const std::string number = "Page " + std::to_string(page_number);
-        const float number_w = text_width(g_, number);
-        const float title_room = right_ - left_ - number_w - text_width(g_, "    ");
-        const float title_w = mixed_text_width(g_, l.title);
-        if (title_w > title_room && title_room > 0)
-            g_.display_font_size(std::max(0.01f, head_font_ * title_room / title_w));
-        draw_mixed_outside(g_, left_, top_, l.title);
-        g_.display_font_size(head_font_);
-        g_.display_text_outside(right_ - number_w, top_, number);
-    }
-    float y = top_ + line * 1.15f;
-    if (draw) g_.display_line(left_, right_, y, y, d.line_colour_outside, solid);
-    y += line * 0.3f;
-    g_.display_font_size(font_);
-    const float row_line = line_height(g_);
-    if (draw)
-        for (std::size_t k = 0; k < l.columns.size() && k < 5; ++k)
-            g_.display_text_outside(left_ + stops_[k], y, l.columns[k]);
-    y += row_line * 1.05f;
-    if (draw) g_.display_line(left_, right_, y, y, d.line_colour_outside, solid);
-    return y + row_line * 0.25f;
+    const float y =
+        report_title(g_, frame_, frame_.head_font, l.title, page_number, draw, TitleText::mixed);
+    return report_column_heads(g_, frame_, y, font_, l.columns, stops_.data(), 5, draw);
 }
 
 bool ListingPages::draw_page(int page) {
@@ -146,19 +106,8 @@ bool ListingPages::draw_page(int page) {
     if (!out) return false;
     const int pages = page_count();
     if (page < 1 || page > pages) return false;
-    DrawingState& d = g_.d;
-    d.display_target = "Listings";
-    g_.read_page_options();
-    g_.load_active_colour_set();
-    if (d.printing) {
-        d.frame_left = d.page_left = left_;
-        d.page_right = right_;
-        d.page_bottom = out->top_offset() + out->height() * 0.98f;
-        g_.page_footer();
-    } else {
-        out->clear(g_.monochrome() ? chart_window_ground
-                                   : g_.colour(colour_field::chart_background));
-    }
+    g_.d.display_target = "Listings";
+    begin_report_page(g_, *out, frame_);
     page_ = page;
     // The listing of the page and the page's place within it.
     static const Listing none;
@@ -179,7 +128,7 @@ bool ListingPages::draw_page(int page) {
     g_.display_font_size(font_);
     float y = rows_top_;
     if (l.rows.empty() && l.skipped.empty()) {
-        g_.display_text_outside(left_, y, listing_empty_text);
+        g_.display_text_outside(frame_.left, y, listing_empty_text);
         return true;
     }
     // The lines of the listing: its rows, then the head of the events not listed and each of them.
@@ -189,7 +138,7 @@ bool ListingPages::draw_page(int page) {
         if (i < l.rows.size()) {
             const ListingRow& r = l.rows[i];
             for (std::size_t k = 0; k < 5; ++k) {
-                float x = left_ + stops_[k];
+                float x = frame_.left + stops_[k];
                 if (k == 1 && !r.greek.empty()) {
                     g_.display_greek_outside(x, y, r.greek);
                     x += greek_width(r);
@@ -197,9 +146,9 @@ bool ListingPages::draw_page(int page) {
                 if (!cell(r, k)->empty()) draw_mixed_outside(g_, x, y, *cell(r, k));
             }
         } else if (i == l.rows.size()) {
-            g_.display_text_outside(left_, y, listing_skipped_head);
+            g_.display_text_outside(frame_.left, y, listing_skipped_head);
         } else {
-            g_.display_text_outside(left_ + stops_[1], y, l.skipped[i - l.rows.size() - 1]);
+            g_.display_text_outside(frame_.left + stops_[1], y, l.skipped[i - l.rows.size() - 1]);
         }
         y += row_height_;
     }
@@ -207,23 +156,9 @@ bool ListingPages::draw_page(int page) {
 }
 
 bool ListingPages::print_all() {
-    DrawingState& d = g_.d;
-    const bool was_printing = d.printing;
-    d.printing = true;
-    Surface* paper = surface();
-    if (!paper) {
-        d.printing = was_printing;
-        return false;
-    }
-    paper->begin_document();
-    const int pages = page_count();
-    for (int p = 1; p <= pages; ++p) {
-        if (p > 1) paper->end_page();
-        draw_page(p);
-    }
-    paper->end_document();
-    d.printing = was_printing;
-    return true;
+    return print_report(
+        g_, [this] { return surface(); }, [this] { return page_count(); },
+        [this](int p) { return draw_page(p); });
 }
 
 } // namespace celestark::drawing

@@ -4,6 +4,7 @@
 // "Page " with the page's number within the listing at the right, the column heads, and as many
 // rows as it holds. The events that could not be listed follow the rows.
 #include "drawing/display.h"
+#include "drawing/report_frame.h"
 #include "tables/listings.h"
 
 #include <cstddef>
@@ -46,8 +47,8 @@ class ListingPages {
     std::vector<Listing> listings_;
     int page_ = 0, page_in_listing_ = 0;
     std::size_t listing_ = 0;
-    float left_ = 0, right_ = 0, top_ = 0, bottom_ = 0;
-    float font_ = 0, head_font_ = 0, row_height_ = 0, rows_top_ = 0;
+    ReportFrame frame_;
+    float font_ = 0, row_height_ = 0, rows_top_ = 0;
     std::vector<float> stops_;
     std::size_t per_page_ = 1;
 };

@@ -1,8 +1,8 @@
 #include "drawing/phenomena_pages.h"
 
 #include "drawing/page_furniture.h"
+#include "drawing/report_frame.h"
 #include "session/calendar.h"
-#include "session/colour_fields.h"
 #include "session/session.h"
 #include "session/text.h"
 
@@ -87,19 +87,10 @@ double PhenomenaPages::shown() const {
 void PhenomenaPages::lay_out() {
     Surface* out = surface();
     if (!out) return;
-    DrawingState& d = g_.d;
-    d.display_target = "Phenomena";
-    const bool paper = d.printing;
-    // A hundredth of the window for the margins, a twentieth of the paper, the bottom one half as
-    // large again there, for the line at the foot.
-    const float W = out->width(), H = out->height();
-    const float f = paper ? 0.05f : 0.01f;
-    left_ = out->left_offset() + W * f;
-    right_ = out->left_offset() + W * (1 - f);
-    top_ = out->top_offset() + H * f;
-    bottom_ = out->top_offset() + H - H * f * (paper ? 1.5f : 1.0f);
-    const float room = std::max(1.0f, right_ - left_);
-    head_font_ = std::max(0.01f, room / head_divisor);
+    g_.d.display_target = "Phenomena";
+    // A hundredth of the window for the margins.
+    frame_ = report_frame(*out, g_.d.printing, 0.01f, head_divisor);
+    const float room = frame_.room();
 
     // The widest cell of each column, at the first size; the widths follow the size.
     const float first = std::max(0.01f, room / row_divisor);
@@ -115,23 +106,13 @@ void PhenomenaPages::lay_out() {
     }
     const float first_gap = text_width(g_, "   ");
     const float* shares = sheet_.eclipses ? eclipse_stops : phenomena_stops;
-    float scale = 1;
-    for (int attempt = 0; attempt < 40; ++attempt) {
-        float x = 0;
-        for (std::size_t k = 0; k < 4; ++k) {
-            if (k > 0) x = std::max(shares[k] * room, x + (widest[k - 1] + first_gap) * scale);
-            stops_[k] = x;
-        }
-        const float need = stops_[3] + widest[3] * scale;
-        if (need <= room) break;
-        scale *= std::min(0.98f, room / need);
-    }
+    const float scale = fit_column_stops(shares, widest, 4, room, first_gap, stops_);
     font_ = std::max(0.01f, first * scale);
     g_.display_font_size(font_);
     gap_ = text_width(g_, "  ");
     row_height_ = line_height(g_) * 1.05f;
     rows_top_ = head(0);
-    const float room_down = bottom_ - rows_top_;
+    const float room_down = frame_.bottom - rows_top_;
     per_page_ = static_cast<std::size_t>(std::max(1.0f, std::floor(room_down / row_height_)));
 }
 
@@ -141,43 +122,23 @@ int PhenomenaPages::page_count() {
     return std::max<int>(1, static_cast<int>((n + per_page_ - 1) / per_page_));
 }
 
-// The head of a page; returns where its rows begin. Page 0 only measures.
+// The head of a page; returns where its rows begin. Page 0 only measures. The eclipse list has
+// its title between the head and the column heads.
 float PhenomenaPages::head(int page) {
     const bool draw = page > 0;
-    DrawingState& d = g_.d;
-    g_.display_font_size(head_font_);
-    const float line = line_height(g_);
-    if (draw) {
-        const std::string number = "Page " + std::to_string(page);
-        const float number_w = text_width(g_, number);
-        const float title_room = right_ - left_ - number_w - text_width(g_, "    ");
-        const float title_w = text_width(g_, sheet_.title);
-        if (title_w > title_room && title_room > 0)
-            g_.display_font_size(std::max(0.01f, head_font_ * title_room / title_w));
-        g_.display_text_outside(left_, top_, sheet_.title);
-        g_.display_font_size(head_font_);
-        g_.display_text_outside(right_ - number_w, top_, number);
-    }
-    float y = top_ + line * 1.15f;
-    if (draw) g_.display_line(left_, right_, y, y, d.line_colour_outside, solid);
-    y += line * 0.3f;
+    float y = report_title(g_, frame_, frame_.head_font, sheet_.title, page, draw);
     if (sheet_.eclipses) {
+        const float line = line_height(g_);
         if (draw) {
             const float w = text_width(g_, eclipse_list_title);
-            g_.display_text_outside(left_ + std::max(0.0f, (right_ - left_ - w) / 2), y,
-                                    eclipse_list_title);
+            g_.display_text_outside(frame_.left +
+                                        std::max(0.0f, (frame_.right - frame_.left - w) / 2),
+                                    y, eclipse_list_title);
         }
         y += line * 1.3f;
     }
-    g_.display_font_size(font_);
-    const float row_line = line_height(g_);
-    if (draw) {
-        const std::vector<std::string> heads = phenomena_heads(sheet_.eclipses);
-        for (std::size_t k = 0; k < 4; ++k) g_.display_text_outside(left_ + stops_[k], y, heads[k]);
-    }
-    y += row_line * 1.05f;
-    if (draw) g_.display_line(left_, right_, y, y, d.line_colour_outside, solid);
-    return y + row_line * 0.25f;
+    return report_column_heads(g_, frame_, y, font_, phenomena_heads(sheet_.eclipses), stops_, 4,
+                               draw);
 }
 
 bool PhenomenaPages::draw_page(int page) {
@@ -185,26 +146,15 @@ bool PhenomenaPages::draw_page(int page) {
     if (!out) return false;
     const int pages = page_count();
     if (page < 1 || page > pages) return false;
-    DrawingState& d = g_.d;
-    d.display_target = "Phenomena";
-    g_.read_page_options();
-    g_.load_active_colour_set();
-    if (d.printing) {
-        d.frame_left = d.page_left = left_;
-        d.page_right = right_;
-        d.page_bottom = out->top_offset() + out->height() * 0.98f;
-        g_.page_footer();
-    } else {
-        out->clear(g_.monochrome() ? chart_window_ground
-                                   : g_.colour(colour_field::chart_background));
-    }
+    g_.d.display_target = "Phenomena";
+    begin_report_page(g_, *out, frame_);
     page_ = page;
     rows_.clear();
     head(page);
     g_.display_font_size(font_);
     float y = rows_top_;
     if (sheet_.rows.empty()) {
-        g_.display_text_outside(left_, y, "No phenomena were found in these years.");
+        g_.display_text_outside(frame_.left, y, "No phenomena were found in these years.");
         return true;
     }
     const std::size_t from = per_page_ * static_cast<std::size_t>(page - 1);
@@ -213,31 +163,17 @@ bool PhenomenaPages::draw_page(int page) {
         const PhenomenaCells c = phenomena_cells(sheet_.rows[i], sheet_.eclipses, sheet_.gj);
         const std::string* cells[4] = {&c.date, &c.text, &c.first, &c.second};
         for (std::size_t k = 0; k < 4; ++k)
-            if (!cells[k]->empty()) draw_mixed_outside(g_, left_ + stops_[k], y, *cells[k]);
-        rows_.push_back({left_, y, right_, y + row_height_, i});
+            if (!cells[k]->empty()) draw_mixed_outside(g_, frame_.left + stops_[k], y, *cells[k]);
+        rows_.push_back({frame_.left, y, frame_.right, y + row_height_, i});
         y += row_height_;
     }
     return true;
 }
 
 bool PhenomenaPages::print_all() {
-    DrawingState& d = g_.d;
-    const bool was_printing = d.printing;
-    d.printing = true;
-    Surface* paper = surface();
-    if (!paper) {
-        d.printing = was_printing;
-        return false;
-    }
-    paper->begin_document();
-    const int pages = page_count();
-    for (int p = 1; p <= pages; ++p) {
-        if (p > 1) paper->end_page();
-        draw_page(p);
-    }
-    paper->end_document();
-    d.printing = was_printing;
-    return true;
+    return print_report(
+        g_, [this] { return surface(); }, [this] { return page_count(); },
+        [this](int p) { return draw_page(p); });
 }
 
 } // namespace celestark::drawing

@@ -4,6 +4,7 @@
 // "Page" and its number at the right), the heads of the four columns and as many rows as the page
 // holds. The eclipse list has a title of its own over its columns.
 #include "drawing/display.h"
+#include "drawing/report_frame.h"
 #include "predict/phenomena.h"
 
 #include <cstddef>
@@ -67,8 +68,8 @@ class PhenomenaPages {
     PhenomenaSheet sheet_;
     int page_ = 0;
     std::vector<PlacedRow> rows_;
-    float left_ = 0, right_ = 0, top_ = 0, bottom_ = 0;
-    float font_ = 0, head_font_ = 0, row_height_ = 0, rows_top_ = 0, gap_ = 0;
+    ReportFrame frame_;
+    float font_ = 0, row_height_ = 0, rows_top_ = 0, gap_ = 0;
     float stops_[4] = {0, 0, 0, 0};
     std::size_t per_page_ = 1;
 };

@@ -1,6 +1,7 @@
 #include "drawing/predictive_report.h"
 
 #include "drawing/page_furniture.h"
+#include "drawing/report_frame.h"
 #include "predict/hit_text.h"
 #include "session/colour_fields.h"
 #include "session/fixed_tables.h"
@@ -358,14 +359,13 @@ void PredictiveReport::begin_page(Session& s, int page) {
         out->clear(g_.monochrome() ? chart_window_ground
                                    : g_.colour(colour_field::chart_background));
 
-    // The margins: a hundredth of the page on the screen, a twentieth on paper, where the bottom
-    // one is half as large again, for the line at the foot.
-    const float W = out->width(), H = out->height();
-    const float fx = printing_ ? 0.05f : 0.01f, fy = fx;
-    left_ = out->left_offset() + W * fx;
-    right_ = out->left_offset() + W * (1 - fx);
-    top_ = out->top_offset() + H * fy;
-    bottom_ = out->top_offset() + H - H * fy * (printing_ ? 1.5f : 1.0f);
+    // The margins: a hundredth of the page on the screen.
+    const ReportFrame frame = report_frame(*out, printing_, 0.01f, 1200);
+    left_ = frame.left;
+    right_ = frame.right;
+    top_ = frame.top;
+    bottom_ = frame.bottom;
+    const float H = out->height();
     if (printing_) {
         d.frame_left = d.page_left = left_;
         d.page_right = right_;
@@ -380,20 +380,8 @@ void PredictiveReport::begin_page(Session& s, int page) {
     // The head: the run and the name at the left, the page number at the right, in the size of
     // a report of one column.
     const float head_font = std::max(0.01f, (right_ - left_) / 1200);
-    g_.display_font_size(head_font);
-    const std::string number = "Page " + std::to_string(page);
-    const float number_w = text_width(g_, number);
     const std::string title = page_title(s) + event_name(s.event_slots[s.event_slots.active_event]);
-    const float title_room = right_ - left_ - number_w - text_width(g_, "    ");
-    const float title_w = text_width(g_, title);
-    if (title_w > title_room && title_room > 0)
-        g_.display_font_size(std::max(0.01f, head_font * title_room / title_w));
-    g_.display_name_outside(left_, top_, title);
-    g_.display_font_size(head_font);
-    g_.display_text_outside(right_ - number_w, top_, number);
-    float y = top_ + line_height(g_) * 1.15f;
-    g_.display_line(left_, right_, y, y, d.line_colour_outside, solid);
-    y += line_height(g_) * 0.3f;
+    float y = report_title(g_, frame, head_font, title, page, true, TitleText::name);
     if (page == 1) y = first_page_block(s, y);
 
     lay_out_cells(s);

@@ -5,6 +5,7 @@
 // The lines come from a run that stops at each full page, so a page is drawn from the lines it
 // is given.
 #include "drawing/display.h"
+#include "drawing/report_frame.h"
 
 #include <cstddef>
 #include <string>
@@ -35,8 +36,8 @@ class SimilarsPages {
     Drawing& g_;
     std::string title_;
     std::vector<std::string> heads_;
-    float left_ = 0, right_ = 0, top_ = 0, bottom_ = 0;
-    float font_ = 0, head_font_ = 0, row_height_ = 0, rows_top_ = 0;
+    ReportFrame frame_;
+    float font_ = 0, row_height_ = 0, rows_top_ = 0;
     std::vector<float> stops_;
     std::size_t per_page_ = 1;
 };

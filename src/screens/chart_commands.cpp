@@ -21,6 +21,18 @@
 
 namespace celestark {
 
+namespace {
+
+// The entry of a table of commands with the name given, or null.
+template <typename Entry>
+const Entry* find_named(const std::vector<Entry>& entries, const std::string& name) {
+    for (const Entry& e : entries)
+        if (name == e.name) return &e;
+    return nullptr;
+}
+
+} // namespace
+
 const std::vector<ChartCommand>& chart_commands() {
     using E = CommandEvents;
     static const std::vector<ChartCommand> commands = {
@@ -98,9 +110,7 @@ const std::vector<ChartCommand>& chart_commands() {
 }
 
 const ChartCommand* find_chart_command(const std::string& name) {
-    for (const ChartCommand& c : chart_commands())
-        if (name == c.name) return &c;
-    return nullptr;
+    return find_named(chart_commands(), name);
 }
 
 namespace {
@@ -356,9 +366,7 @@ const std::vector<DoubleCommand>& double_commands() {
 }
 
 const DoubleCommand* find_double_command(const std::string& name) {
-    for (const DoubleCommand& c : double_commands())
-        if (name == c.name) return &c;
-    return nullptr;
+    return find_named(double_commands(), name);
 }
 
 namespace {
@@ -442,9 +450,7 @@ const std::vector<TimeStep>& time_steps() {
 }
 
 bool step_time(Session& s, const std::string& step, bool backward) {
-    const TimeStep* found = nullptr;
-    for (const TimeStep& t : time_steps())
-        if (step == t.name) found = &t;
+    const TimeStep* found = find_named(time_steps(), step);
     if (!found) return false;
     DrawingState& d = s.drawing;
     if (!d.allow_stepping) return false;

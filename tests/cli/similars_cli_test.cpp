@@ -2,6 +2,7 @@
 // be charted told on standard error, and the refusals.
 #include "../store/store_test_support.h"
 #include "../support/events.h"
+#include "../support/stored_events.h"
 #include "similars.h"
 
 #include "store/event_schema.h"
@@ -22,28 +23,12 @@ using Options = std::map<std::string, std::string>;
 // Einstein's birth stored three times: under his name, under another, and with a month that is
 // not one.
 void write_table(const std::filesystem::path& file) {
-    store::TableStore db;
-    ASSERT_EQ(db.create(file), store::Outcome::ok);
-    ASSERT_EQ(db.create_table("People", store::event_table_fields(), store::event_table_indexes()),
-              store::Outcome::ok);
-    store::Recordset rs;
-    ASSERT_EQ(db.open_recordset("People", rs), store::Outcome::ok);
-    const std::pair<const char*, const char*> rows[] = {
-        {"Einstein", "3"}, {"Twin", "3"}, {"Broken", "13"}};
-    for (const auto& [surname, month] : rows) {
-        EventRow row = make_default_event();
-        for (const auto& [column, text] : celestark::testing::einstein)
-            row[static_cast<std::size_t>(column)] = text;
-        row[col::surname] = surname;
-        row[col::month] = month;
-        ASSERT_EQ(rs.add_new(), store::Outcome::ok);
-        for (int c = col::event; c < col::notused; ++c) {
-            const std::string& v = row[static_cast<std::size_t>(c)];
-            rs.set(event_columns_table[static_cast<std::size_t>(c)].field,
-                   store::Value(v.empty() ? std::string(" ") : v));
-        }
-        ASSERT_EQ(rs.update(), store::Outcome::ok);
-    }
+    using celestark::testing::einstein_with;
+    celestark::testing::write_event_rows(
+        file, "People",
+        {einstein_with({{col::surname, "Einstein"}, {col::month, "3"}}),
+         einstein_with({{col::surname, "Twin"}, {col::month, "3"}}),
+         einstein_with({{col::surname, "Broken"}, {col::month, "13"}})});
 }
 
 struct Output {

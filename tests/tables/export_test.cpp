@@ -2,6 +2,7 @@
 // across 1582, negative years, the question before a file is replaced, CANCEL leaving nothing,
 // and the CSV folder.
 #include "../store/program_folder.h"
+#include "../support/sqlite_rows.h"
 #include "tables/ephemeris_export.h"
 
 #include <gtest/gtest.h>
@@ -16,26 +17,6 @@ namespace celestark::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::vector<std::string>> query(const fs::path& file, const std::string& sql) {
-    sqlite3* db = nullptr;
-    std::vector<std::vector<std::string>> rows;
-    EXPECT_EQ(sqlite3_open_v2(file.string().c_str(), &db, SQLITE_OPEN_READONLY, nullptr),
-              SQLITE_OK);
-    sqlite3_stmt* st = nullptr;
-    EXPECT_EQ(sqlite3_prepare_v2(db, sql.c_str(), -1, &st, nullptr), SQLITE_OK) << sql;
-    while (st && sqlite3_step(st) == SQLITE_ROW) {
-        std::vector<std::string> row;
-        for (int c = 0; c < sqlite3_column_count(st); ++c) {
-            const unsigned char* t = sqlite3_column_text(st, c);
-            row.push_back(t ? reinterpret_cast<const char*>(t) : "");
-        }
-        rows.push_back(row);
-    }
-    sqlite3_finalize(st);
-    sqlite3_close(db);
-    return rows;
-}
 
 std::vector<std::string> files_in(const fs::path& dir) {
     std::vector<std::string> names;

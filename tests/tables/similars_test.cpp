@@ -3,6 +3,7 @@
 // goes on; the refusals; doubtful birth times; the place lookups; continuing a stopped run.
 #include "../store/program_folder.h"
 #include "../support/events.h"
+#include "../support/stored_events.h"
 
 #include "session/constants.h"
 #include "session/fixed_tables.h"
@@ -18,31 +19,9 @@
 namespace celestark::testing {
 namespace {
 
-// Einstein's birth with some cells changed.
-EventRow einstein_with(const EventCells& changes) {
-    EventRow row = make_default_event();
-    for (const auto& [column, text] : einstein) row[static_cast<std::size_t>(column)] = text;
-    for (const auto& [column, text] : changes) row[static_cast<std::size_t>(column)] = text;
-    return row;
-}
-
 // A database `file` with the table "Events" holding the rows as they are (no checks).
 void write_events(const std::filesystem::path& file, const std::vector<EventRow>& rows) {
-    store::TableStore db;
-    ASSERT_EQ(db.create(file), store::Outcome::ok);
-    ASSERT_EQ(db.create_table("Events", store::event_table_fields(), store::event_table_indexes()),
-              store::Outcome::ok);
-    store::Recordset rs;
-    ASSERT_EQ(db.open_recordset("Events", rs), store::Outcome::ok);
-    for (const EventRow& row : rows) {
-        ASSERT_EQ(rs.add_new(), store::Outcome::ok);
-        for (int c = col::event; c < col::notused; ++c) {
-            const std::string& v = row[static_cast<std::size_t>(c)];
-            rs.set(event_columns_table[static_cast<std::size_t>(c)].field,
-                   store::Value(v.empty() ? std::string(" ") : v));
-        }
-        ASSERT_EQ(rs.update(), store::Outcome::ok);
-    }
+    write_event_rows(file, "Events", rows);
 }
 
 class SimilarsTest : public ::testing::Test {

@@ -3,6 +3,8 @@
 // list against the listing table, and a refusal is a box.
 #include "desktop_support.h"
 
+#include "../support/stored_events.h"
+
 #include "screens/widgets/similars_windows.h"
 #include "store/event_schema.h"
 #include "store/option_schema.h"
@@ -25,25 +27,9 @@ namespace {
 
 // The events of the listing table: the event itself under another name, and one a year later.
 void write_table(const std::filesystem::path& file) {
-    store::TableStore db;
-    ASSERT_EQ(db.create(file), store::Outcome::ok);
-    ASSERT_EQ(db.create_table("Events", store::event_table_fields(), store::event_table_indexes()),
-              store::Outcome::ok);
-    store::Recordset rs;
-    ASSERT_EQ(db.open_recordset("Events", rs), store::Outcome::ok);
-    for (const char* year : {"1879", "1880"}) {
-        EventRow row = make_default_event();
-        for (const auto& [column, text] : einstein) row[static_cast<std::size_t>(column)] = text;
-        row[col::surname] = std::string("Year") + year;
-        row[col::year] = year;
-        ASSERT_EQ(rs.add_new(), store::Outcome::ok);
-        for (int c = col::event; c < col::notused; ++c) {
-            const std::string& v = row[static_cast<std::size_t>(c)];
-            rs.set(event_columns_table[static_cast<std::size_t>(c)].field,
-                   store::Value(v.empty() ? std::string(" ") : v));
-        }
-        ASSERT_EQ(rs.update(), store::Outcome::ok);
-    }
+    write_event_rows(file, "Events",
+                     {einstein_with({{col::surname, "Year1879"}, {col::year, "1879"}}),
+                      einstein_with({{col::surname, "Year1880"}, {col::year, "1880"}})});
 }
 
 std::string stored(Session& s, const char* field) {

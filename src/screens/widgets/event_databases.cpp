@@ -1,6 +1,7 @@
 // The event database and event search windows.
 #include "screens/widgets/event_databases.h"
 
+#include "screens/widgets/database_chooser.h"
 #include "screens/widgets/desktop.h"
 #include "session/session.h"
 #include "session/text.h"
@@ -8,8 +9,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -25,16 +24,6 @@
 namespace celestark::screens {
 
 namespace {
-
-// A folder as the field shows it: without the trailing separator, in the system's form.
-QString shown_folder(const std::string& folder) {
-    return QDir::toNativeSeparators(QDir::cleanPath(qt(folder)));
-}
-
-QString choose_folder_dialog(QWidget* parent, const QString& start) {
-    return QFileDialog::getExistingDirectory(parent, "Choose the folder of the event databases",
-                                             start);
-}
 
 // Selects the line of a list that reads `text` (case aside), or none.
 void select_line(QListWidget* list, const std::string& text) {
@@ -69,20 +58,16 @@ void EventDatabaseWindow::build() {
     layout->addLayout(columns, 1);
 
     // The databases of a folder.
-    auto* databases = make_group(this, "databases", "EVENT DATABASES");
-    auto* dbl = new QVBoxLayout(databases);
-    auto* folder_row = new QHBoxLayout;
-    folder_row->addWidget(new QLabel("Folder:", databases));
-    db_dir_ = make_field(databases, "db_dir");
+    const FolderFrame folder =
+        make_folder_frame(this,
+                          {"databases", "db_dir", "db_drive", "db_files",
+                           "Databases of the folder (click one to open it):"},
+                          180);
+    QGroupBox* databases = folder.group;
+    QVBoxLayout* dbl = folder.layout;
+    db_dir_ = folder.folder;
     db_dir_->setToolTip("Type a folder and press Enter, or choose one with the button");
-    folder_row->addWidget(db_dir_, 1);
-    auto* browse = make_button(databases, "db_drive", "CHOOSE FOLDER...");
-    folder_row->addWidget(browse);
-    dbl->addLayout(folder_row);
-    dbl->addWidget(new QLabel("Databases of the folder (click one to open it):", databases));
-    db_files_ = make_list_box(databases, "db_files");
-    db_files_->setMinimumHeight(180);
-    dbl->addWidget(db_files_, 1);
+    db_files_ = folder.files;
     auto* chosen_db = new QHBoxLayout;
     chosen_db->addWidget(new QLabel("Selected database:", databases));
     sel_file_ = make_field(databases, "sel_file");
@@ -109,18 +94,15 @@ void EventDatabaseWindow::build() {
     columns->addWidget(databases, 3);
 
     // The tables of the chosen database.
-    auto* tables = make_group(this, "tables", "TABLES");
-    auto* tl = new QVBoxLayout(tables);
-    tl->addWidget(new QLabel("Tables of the database (double click one to select it):", tables));
-    table_list_ = make_list_box(tables, "table_list");
-    table_list_->setMinimumHeight(180);
-    tl->addWidget(table_list_, 1);
-    auto* chosen_table = new QHBoxLayout;
-    chosen_table->addWidget(new QLabel("Selected table:", tables));
-    sel_table_ = make_field(tables, "sel_table");
-    sel_table_->setReadOnly(true);
-    chosen_table->addWidget(sel_table_, 1);
-    tl->addLayout(chosen_table);
+    const TableFrame table =
+        make_table_frame(this,
+                         {"tables", "table_list", "sel_table",
+                          "Tables of the database (double click one to select it):"},
+                         180);
+    QGroupBox* tables = table.group;
+    QVBoxLayout* tl = table.layout;
+    table_list_ = table.tables;
+    sel_table_ = table.selected;
     auto* table_buttons = new QHBoxLayout;
     auto* create_table = make_button(tables, "create_table", "CREATE NEW TABLE");
     auto* del_table = make_button(tables, "del_table", "DELETE TABLE");
@@ -151,10 +133,9 @@ void EventDatabaseWindow::build() {
     database_frame_->hide();
     table_frame_->hide();
 
-    connect(db_dir_, &QLineEdit::editingFinished, this, [this] {
-        if (db_dir_->text() != shown_folder(screen_.db_dir)) choose_folder(db_dir_->text());
-    });
-    connect(browse, &QPushButton::clicked, this, [this] { this->browse(); });
+    connect_folder_choice(
+        this, folder, &chooser_, [this] { return shown_folder(screen_.db_dir); },
+        [this](const QString& f) { choose_folder(f); });
     connect(db_files_, &QListWidget::itemClicked, this,
             [this](QListWidgetItem* item) { pick_file(item); });
     connect(table_list_, &QListWidget::itemDoubleClicked, this,
@@ -190,11 +171,9 @@ void EventDatabaseWindow::enter() {
 
 void EventDatabaseWindow::show_state() {
     db_dir_->setText(shown_folder(screen_.db_dir));
-    db_files_->clear();
-    for (const std::string& f : screen_.db_files) db_files_->addItem(qt(f));
+    list_lines(db_files_, screen_.db_files);
     select_line(db_files_, screen_.sel_file);
-    table_list_->clear();
-    for (const std::string& t : screen_.table_list) table_list_->addItem(qt(t));
+    list_lines(table_list_, screen_.table_list);
     select_line(table_list_, screen_.sel_table);
     sel_file_->setText(qt(screen_.sel_file));
     sel_table_->setText(qt(screen_.sel_table));
@@ -208,12 +187,8 @@ void EventDatabaseWindow::show_frame(QGroupBox* frame, QLineEdit* name, bool sho
 }
 
 void EventDatabaseWindow::choose_folder(const QString& folder) {
-    const QString path = folder.trimmed();
-    if (path.isEmpty() || !QFileInfo(path).isDir()) {
-        sink().message("FOLDER NOT FOUND",
-                       "There is no folder " +
-                           (path.isEmpty() ? "of that name" : path.toStdString()),
-                       MessageIcon::exclamation);
+    const QString path = existing_folder(folder, sink());
+    if (path.isEmpty()) {
         db_dir_->setText(shown_folder(screen_.db_dir));
         return;
     }
@@ -226,19 +201,13 @@ void EventDatabaseWindow::choose_folder(const QString& folder) {
     show_state();
 }
 
-void EventDatabaseWindow::browse() {
-    const QString folder = chooser_ ? chooser_(this, shown_folder(screen_.db_dir)) : QString();
-    if (!folder.isEmpty()) choose_folder(folder);
-}
-
 void EventDatabaseWindow::pick_file(QListWidgetItem* item) {
     if (!item) return;
     const std::string file = item->text().toStdString();
     // A file that would not open is not the choice.
     if (!pick_event_database(session(), screen_, file, sink())) screen_.sel_file.clear();
     // The list of files stays as it is: the click came from it.
-    table_list_->clear();
-    for (const std::string& t : screen_.table_list) table_list_->addItem(qt(t));
+    list_lines(table_list_, screen_.table_list);
     sel_file_->setText(qt(screen_.sel_file));
     sel_table_->setText(qt(screen_.sel_table));
     exit_->setEnabled(screen_.exit_enabled);
@@ -382,8 +351,7 @@ void EventSearchWindow::fill(const std::string& index) {
     }
     listed_table_ = table_in_use(session());
     const int row = search_list_->currentRow();
-    search_list_->clear();
-    for (const std::string& line : list_.lines) search_list_->addItem(qt(line));
+    list_lines(search_list_, list_.lines);
     if (search_list_->count() > 0)
         search_list_->setCurrentRow(std::clamp(row, 0, search_list_->count() - 1));
 }
@@ -445,8 +413,7 @@ void EventSearchWindow::remove() {
     if (!line) return;
     if (!delete_search_line(session(), list_, *line, sink())) return;
     const int row = search_list_->currentRow();
-    search_list_->clear();
-    for (const std::string& l : list_.lines) search_list_->addItem(qt(l));
+    list_lines(search_list_, list_.lines);
     if (search_list_->count() > 0)
         search_list_->setCurrentRow(std::clamp(row, 0, search_list_->count() - 1));
     desktop().refresh_chart_window();

@@ -5,6 +5,7 @@
 // the events of its lines.
 #include "screens/event_database_screen.h"
 #include "screens/event_search.h"
+#include "screens/widgets/database_chooser.h"
 #include "screens/widgets/window_support.h"
 
 #include <functional>
@@ -19,9 +20,6 @@ class QListWidgetItem;
 class QPushButton;
 
 namespace celestark::screens {
-
-// Asks the user for a folder, starting at `start`; an empty text when the user chose none.
-using FolderChooser = std::function<QString(QWidget* parent, const QString& start)>;
 
 class EventDatabaseWindow : public CelestarkWindow {
     Q_OBJECT
@@ -38,7 +36,6 @@ class EventDatabaseWindow : public CelestarkWindow {
   private:
     void build();
     void choose_folder(const QString& folder);
-    void browse();
     void pick_file(QListWidgetItem* item);
     void pick_table(QListWidgetItem* item);
     void create_database();

@@ -2,6 +2,7 @@
 
 #include "drawing/painter_surface.h"
 #include "screens/widgets/desktop.h"
+#include "screens/widgets/page_display.h"
 #include "session/session.h"
 
 #include <QButtonGroup>
@@ -16,7 +17,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPrinter>
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -76,30 +76,12 @@ class ListingProgressSink : public MessageSink {
     QElapsedTimer clock_;
 };
 
-QHBoxLayout* run_buttons(ListingMaker* w, const std::function<void(bool)>& run) {
-    auto* buttons = new QHBoxLayout;
-    auto* display = make_button(w, "display", "DISPLAY");
-    auto* print = make_button(w, "print", "PRINT");
-    auto* exit = make_button(w, "exit", "EXIT");
-    display->setDefault(true);
-    buttons->addWidget(display);
-    buttons->addWidget(print);
-    buttons->addStretch(1);
-    buttons->addWidget(exit);
-    QObject::connect(display, &QPushButton::clicked, w, [run] { run(false); });
-    QObject::connect(print, &QPushButton::clicked, w, [run] { run(true); });
-    QObject::connect(exit, &QPushButton::clicked, w, [w] { w->hide(); });
-    return buttons;
-}
-
 } // namespace
 
 // ---- the windows that make listings -------------------------------------------------------------
 
 void ListingMaker::enter() {
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 void ListingMaker::deliver(const std::vector<Listing>& listings, bool printing) {
@@ -357,9 +339,8 @@ void ListingTablesWindow::list_folder(const QString& folder) {
     }
     model_.choose_folder(QDir(path).absolutePath().toStdString());
     db_dir_->setText(QDir::toNativeSeparators(path));
-    db_files_->clear();
     table_list_->clear();
-    for (const std::string& f : model_.chooser().db_files) db_files_->addItem(qt(f));
+    list_lines(db_files_, model_.chooser().db_files);
 }
 
 // ---- LISTINGS_DISPLAY ---------------------------------------------------------------------------
@@ -367,38 +348,23 @@ void ListingTablesWindow::list_folder(const QString& folder) {
 ListingsDisplay::ListingsDisplay(Desktop& desktop)
     : CelestarkWindow(desktop, "LISTINGS_DISPLAY", listings_display_title) {
     auto* layout = new QVBoxLayout(this);
-    canvas_ = new PageCanvas(this, "listing_canvas", {}, [this] {
-        if (pages_ && isVisible()) show_page(pages_->page());
-    });
-    layout->addWidget(canvas_, 1);
-    auto* buttons = new QHBoxLayout;
+    const auto shown = [this] { return pages_ ? pages_->page() : -1; };
+    const auto show = [this](int page) { show_page(page); };
+    canvas_ = add_paged_canvas(this, layout, "listing_canvas", shown, show);
     auto* print = make_button(this, "print_listing", "Print");
     auto* next = make_button(this, "continue", "Continue: Next Page");
     auto* restart = make_button(this, "restart", "Restart: Beginning");
     auto* menu = make_button(this, "listing_menu", "Listing Menu");
     auto* exit = make_button(this, "exit", "Exit");
-    state_ = make_label(this, "listing_state");
-    done_ = new QProgressBar(this);
-    done_->setObjectName("listing_done");
-    done_->setRange(0, 100);
-    done_->setMaximumWidth(220);
-    for (QPushButton* b : {print, next, restart, menu}) buttons->addWidget(b);
-    buttons->addSpacing(12);
-    buttons->addWidget(state_, 1);
-    buttons->addWidget(done_);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    next->setDefault(true);
+    done_ = make_page_progress(this, "listing_done", 100);
+    state_ = add_page_foot(this, layout, {print, next, restart, menu}, "listing_state", {done_},
+                           exit, next);
 
-    connect(next, &QPushButton::clicked, this, [this] {
-        if (pages_) show_page(pages_->page() + 1);
-    });
-    connect(restart, &QPushButton::clicked, this, [this] { show_page(1); });
+    connect_paging(this, next, restart, shown, show);
     connect(print, &QPushButton::clicked, this, [this] {
         if (pages_) print_listings(pages_->listings());
     });
-    connect(menu, &QPushButton::clicked, this, [this] {
-        hide();
+    connect_menu_button(menu, this, [this] {
         if (menu_) menu_->enter();
     });
     connect(exit, &QPushButton::clicked, this, [this] { hide(); });
@@ -409,10 +375,7 @@ ListingsDisplay::~ListingsDisplay() = default;
 
 void ListingsDisplay::show_listings(std::vector<Listing> listings, ListingMaker& menu) {
     menu_ = &menu;
-    if (!isVisible()) {
-        show();
-        layout()->activate();
-    }
+    stand_before_first_page(this);
     pages_ = std::make_unique<drawing::ListingPages>(desktop().drawing(), std::move(listings));
     show_page(1);
     raise();
@@ -426,21 +389,16 @@ void ListingsDisplay::show_page(int page) {
     const int count = pages_->page_count();
     pages_->draw_page(std::clamp(page, 1, count));
     canvas_->update();
-    state_->setText("Page " + QString::number(pages_->page()) + " of " + QString::number(count));
+    state_->setText(page_of(pages_->page(), count));
     done_->setValue(static_cast<int>(std::lround(pages_->shown() * 100)));
     findChild<QPushButton*>("continue")->setEnabled(pages_->page() < count);
 }
 
 bool ListingsDisplay::print_listings(std::vector<Listing> listings) {
-    desktop().printer().setPageOrientation(QPageLayout::Portrait);
-    const bool printed = desktop().print([&] {
-        drawing::Surface* paper = desktop().canvases().printer;
-        if (!paper || !paper->setup_dialog()) return false;
+    return print_portrait(desktop(), "Listings", [&](drawing::Surface&) {
         drawing::ListingPages printed_pages(desktop().drawing(), std::move(listings));
         return printed_pages.print_all();
     });
-    session().drawing.display_target = "Listings";
-    return printed;
 }
 
 namespace {

@@ -104,10 +104,8 @@ void MonthlyWindow::enter(bool star_calendar) {
         star_calendar ? stored_aspect_set_names(session(), 69, "Monthly Aspect Sets-Got Focus")
                       : std::vector<std::string>{};
     for (auto& [name, list] : sets_) {
-        list->clear();
-        for (const std::string& set : names) list->addItem(qt(set));
         const QString stored = qt(defaults.values.at(name));
-        if (list->findText(stored) < 0) list->addItem(stored);
+        fill_list(list, names, stored);
         list->setCurrentText(stored);
     }
     sets_group_->setVisible(star_calendar);

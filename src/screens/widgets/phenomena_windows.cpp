@@ -3,6 +3,7 @@
 #include "drawing/painter_surface.h"
 #include "screens/aspect_window.h"
 #include "screens/widgets/desktop.h"
+#include "screens/widgets/page_display.h"
 #include "session/session.h"
 
 #include <QButtonGroup>
@@ -14,7 +15,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPrinter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -135,30 +135,15 @@ PhenomenaWindow::PhenomenaWindow(Desktop& desktop, PhenomenaScreen& model)
     bodies->addStretch(1);
     layout->addLayout(bodies);
 
-    auto* buttons = new QHBoxLayout;
-    auto* display = make_button(this, "display", "DISPLAY");
-    auto* print = make_button(this, "print", "PRINT");
-    auto* exit = make_button(this, "exit", "EXIT");
-    display->setDefault(true);
-    buttons->addWidget(display);
-    buttons->addWidget(print);
-    buttons->addStretch(1);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    connect(display, &QPushButton::clicked, this, [this] { run(false); });
-    connect(print, &QPushButton::clicked, this, [this] { run(true); });
-    connect(exit, &QPushButton::clicked, this, [this] { hide(); });
+    layout->addLayout(run_buttons(this, [this](bool printing) { run(printing); }));
 }
 
 void PhenomenaWindow::open() {
     Session& s = session();
     model_.open(s);
     filling_ = true;
-    aspects_->clear();
-    for (const std::string& name : stored_aspect_set_names(s, 68, "P Aspect Set-Got Focus"))
-        aspects_->addItem(qt(name));
-    const QString set = qt(model_.params().values["aspects"]);
-    if (aspects_->findText(set) < 0) aspects_->addItem(set);
+    fill_list(aspects_, stored_aspect_set_names(s, 68, "P Aspect Set-Got Focus"),
+              qt(model_.params().values["aspects"]));
     filling_ = false;
     refresh();
     layout()->activate();
@@ -167,9 +152,7 @@ void PhenomenaWindow::open() {
 }
 
 void PhenomenaWindow::enter() {
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 void PhenomenaWindow::refresh() {
@@ -226,42 +209,23 @@ void PhenomenaWindow::run(bool printing) {
 PhenomenaDisplay::PhenomenaDisplay(Desktop& desktop, PhenomenaWindow& menu)
     : CelestarkWindow(desktop, "phenomena_display", phenomena_display_title), menu_(menu) {
     auto* layout = new QVBoxLayout(this);
-    canvas_ = new PageCanvas(this, "phem_canvas", {}, [this] {
-        // A new size lays the pages out again; the page shown keeps its first row in view
-        // as nearly as the new count allows.
-        if (pages_ && isVisible()) show_page(pages_->page());
-    });
-    layout->addWidget(canvas_, 1);
-    auto* buttons = new QHBoxLayout;
+    const auto shown = [this] { return pages_ ? pages_->page() : -1; };
+    const auto show = [this](int page) { show_page(page); };
+    canvas_ = add_paged_canvas(this, layout, "phem_canvas", shown, show);
     auto* print = make_button(this, "print_phem", "Print");
     auto* next = make_button(this, "phen_next_page", "Continue: next page");
     auto* restart = make_button(this, "phen_restart", "Restart: beginning");
     auto* menu_button = make_button(this, "phen_menu", "Menu");
     auto* exit = make_button(this, "exit_phem", "Exit");
-    state_ = make_label(this, "phem_state");
-    done_ = new QProgressBar(this);
-    done_->setObjectName("list_done");
-    done_->setRange(0, 100);
-    done_->setMaximumWidth(220);
-    for (QPushButton* b : {print, next, restart, menu_button}) buttons->addWidget(b);
-    buttons->addSpacing(12);
-    buttons->addWidget(state_, 1);
-    buttons->addWidget(done_);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    next->setDefault(true);
+    done_ = make_page_progress(this, "list_done", 100);
+    state_ = add_page_foot(this, layout, {print, next, restart, menu_button}, "phem_state", {done_},
+                           exit, next);
 
-    connect(next, &QPushButton::clicked, this, [this] {
-        if (pages_) show_page(pages_->page() + 1);
-    });
-    connect(restart, &QPushButton::clicked, this, [this] { show_page(1); });
+    connect_paging(this, next, restart, shown, show);
     connect(print, &QPushButton::clicked, this, [this] {
         if (pages_) print_sheet(pages_->sheet());
     });
-    connect(menu_button, &QPushButton::clicked, this, [this] {
-        hide();
-        menu_.enter();
-    });
+    connect_menu_button(menu_button, this, [this] { menu_.enter(); });
     connect(exit, &QPushButton::clicked, this, [this] { hide(); });
     resize(1200, 860);
 }
@@ -269,11 +233,7 @@ PhenomenaDisplay::PhenomenaDisplay(Desktop& desktop, PhenomenaWindow& menu)
 PhenomenaDisplay::~PhenomenaDisplay() = default;
 
 void PhenomenaDisplay::show_list(const PhenomenaScreen& model) {
-    // The window stands before the first page so that the page has its size.
-    if (!isVisible()) {
-        show();
-        layout()->activate();
-    }
+    stand_before_first_page(this);
     drawing::PhenomenaSheet sheet{model.page_title(), model.eclipses(), model.calendar(),
                                   model.rows()};
     pages_ = std::make_unique<drawing::PhenomenaPages>(desktop().drawing(), std::move(sheet));
@@ -290,8 +250,7 @@ void PhenomenaDisplay::show_page(int page) {
     page_count_ = pages_->page_count();
     pages_->draw_page(std::clamp(page, 1, page_count_));
     canvas_->update();
-    state_->setText("Page " + QString::number(pages_->page()) + " of " +
-                    QString::number(page_count_) + ", " +
+    state_->setText(page_of(pages_->page(), page_count_) + ", " +
                     QString::number(pages_->sheet().rows.size()) + " rows");
     done_->setValue(static_cast<int>(std::lround(pages_->shown() * 100)));
     findChild<QPushButton*>("phen_next_page")->setEnabled(pages_->page() < page_count_);
@@ -302,15 +261,10 @@ bool PhenomenaDisplay::print_list(const PhenomenaScreen& model) {
 }
 
 bool PhenomenaDisplay::print_sheet(const drawing::PhenomenaSheet& sheet) {
-    desktop().printer().setPageOrientation(QPageLayout::Portrait);
-    const bool printed = desktop().print([&] {
-        drawing::Surface* paper = desktop().canvases().printer;
-        if (!paper || !paper->setup_dialog()) return false;
+    return print_portrait(desktop(), "Phenomena", [&](drawing::Surface&) {
         drawing::PhenomenaPages printed_pages(desktop().drawing(), sheet);
         return printed_pages.print_all();
     });
-    session().drawing.display_target = "Phenomena";
-    return printed;
 }
 
 } // namespace celestark::screens

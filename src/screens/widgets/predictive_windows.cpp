@@ -5,6 +5,7 @@
 #include "screens/aspect_window.h"
 #include "screens/event_checks.h"
 #include "screens/widgets/desktop.h"
+#include "screens/widgets/page_display.h"
 #include "session/session.h"
 #include "session/text.h"
 
@@ -19,7 +20,6 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -192,19 +192,8 @@ BiographyWindow::BiographyWindow(Desktop& desktop, PredictiveScreen& model)
     grid->setColumnStretch(8, 1);
     layout->addWidget(span);
 
-    auto* buttons = new QHBoxLayout;
-    auto* display = make_button(this, "biog_display", "DISPLAY");
-    auto* print = make_button(this, "biog_print", "PRINT");
-    auto* exit = make_button(this, "biog_exit", "EXIT");
-    display->setDefault(true);
-    buttons->addWidget(display);
-    buttons->addWidget(print);
-    buttons->addStretch(1);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    connect(display, &QPushButton::clicked, this, [this] { run(false); });
-    connect(print, &QPushButton::clicked, this, [this] { run(true); });
-    connect(exit, &QPushButton::clicked, this, [this] { hide(); });
+    layout->addLayout(run_buttons(this, [this](bool printing) { run(printing); },
+                                  {"biog_display", "biog_print", "biog_exit"}));
 }
 
 void BiographyWindow::open(const std::string& mode) {
@@ -217,12 +206,10 @@ void BiographyWindow::open(const std::string& mode) {
         if (auto* field = qobject_cast<QLineEdit*>(controls_[f])) field->setText(qt(p.text(f)));
     zone_->setCurrentText(qt(p.text("time_zone")));
     format_->setCurrentText(qt(p.text("output_format")));
-    aspect_set_->clear();
-    aspect_set_->addItem("None");
-    for (const std::string& name : stored_aspect_set_names(s, 30, "ACTIVATE BIOGRAPHY FORM"))
-        aspect_set_->addItem(qt(name));
-    if (aspect_set_->findText(qt(p.text("aspect_set"))) < 0)
-        aspect_set_->addItem(qt(p.text("aspect_set")));
+    std::vector<std::string> sets = {"None"};
+    for (std::string& name : stored_aspect_set_names(s, 30, "ACTIVATE BIOGRAPHY FORM"))
+        sets.push_back(std::move(name));
+    fill_list(aspect_set_, sets, qt(p.text("aspect_set")));
     aspect_set_->setCurrentText(qt(p.text("aspect_set")));
     filling_ = false;
     mode_label_->setText(mode_heading(mode));
@@ -234,9 +221,7 @@ void BiographyWindow::open(const std::string& mode) {
 }
 
 void BiographyWindow::enter() {
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 void BiographyWindow::changed(const std::string& name, const std::string& value) {
@@ -302,20 +287,14 @@ ReportWindow::ReportWindow(Desktop& desktop, BiographyWindow& biography)
     canvas_->setCursor(Qt::PointingHandCursor);
     canvas_->setToolTip("Click a row to make a chart of its moment");
     layout->addWidget(canvas_, 1);
-    auto* buttons = new QHBoxLayout;
     auto* next = make_button(this, "ab_continue", "Continue:Next Page");
     auto* restart = make_button(this, "ab_restart", "Restart:Beginning");
     auto* restart_new = make_button(this, "ab_restart_new", "Restart:New-Lifedate");
     auto* menu = make_button(this, "ab_menu", "AB/Transit/Prog-Menu");
     auto* print = make_button(this, "ab_print", "PRINT");
     auto* exit = make_button(this, "ab_cancel", "Exit");
-    state_ = make_label(this, "ab_state");
-    for (QPushButton* b : {next, restart, restart_new, menu, print}) buttons->addWidget(b);
-    buttons->addSpacing(12);
-    buttons->addWidget(state_, 1);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    next->setDefault(true);
+    state_ = add_page_foot(this, layout, {next, restart, restart_new, menu, print}, "ab_state", {},
+                           exit, next);
 
     connect(next, &QPushButton::clicked, this, [this] {
         screen_run(
@@ -326,10 +305,7 @@ ReportWindow::ReportWindow(Desktop& desktop, BiographyWindow& biography)
             [this](drawing::PredictiveReport& r) { return restart_predictive_run(session(), r); });
     });
     connect(restart_new, &QPushButton::clicked, this, [this] { new_date_->enter(); });
-    connect(menu, &QPushButton::clicked, this, [this] {
-        hide();
-        biography_.enter();
-    });
+    connect_menu_button(menu, this, [this] { biography_.enter(); });
     connect(print, &QPushButton::clicked, this,
             [this] { this->print(session().predictive_params); });
     connect(exit, &QPushButton::clicked, this, [this] {
@@ -367,10 +343,7 @@ bool ReportWindow::start(const PredictiveParameters& params) {
     const std::string gj = trim(s.event_slots[s.event_slots.active_event][col::gj]);
     const bool dates_ok = validate_predictive_screen(params, gj.empty() ? "G" : gj, quiet);
     const bool was_visible = isVisible();
-    if (dates_ok && !was_visible) {
-        show();
-        layout()->activate();
-    }
+    if (dates_ok) stand_before_first_page(this);
     s.drawing.printing = false;
     desktop().canvases().ab = &canvas_->canvas();
     // A refused run leaves the one shown as it was.
@@ -395,15 +368,12 @@ bool ReportWindow::print(const PredictiveParameters& params) {
     const bool keep = report_ != nullptr;
     const PredictiveRun run = s.predictive;
     const PredictiveParameters run_params = s.predictive_params;
-    desktop().printer().setPageOrientation(QPageLayout::Portrait);
     RunOutcome outcome = RunOutcome::refused;
     lock(true);
-    desktop().print([&] {
-        drawing::Surface* paper = desktop().canvases().printer;
-        if (!paper || !paper->setup_dialog()) return false;
+    print_portrait(desktop(), "AB", [&](drawing::Surface& paper) {
         drawing::PredictiveReport printed(desktop().drawing());
         outcome = start_predictive_run(s, params, printed);
-        if (!printed.ended()) paper->end_document();
+        if (!printed.ended()) paper.end_document();
         return outcome != RunOutcome::refused;
     });
     lock(false);
@@ -411,7 +381,6 @@ bool ReportWindow::print(const PredictiveParameters& params) {
         s.predictive = run;
         s.predictive_params = run_params;
     }
-    s.drawing.display_target = "AB";
     return outcome != RunOutcome::refused;
 }
 
@@ -432,9 +401,7 @@ bool ReportWindow::restart_at(const std::string& day, const std::string& month,
 }
 
 void ReportWindow::enter() {
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 void ReportWindow::show_state(RunOutcome outcome) {
@@ -500,9 +467,7 @@ void NewDateWindow::enter() {
     day_->setText(qt(p.text("start_day")));
     month_->setText(qt(p.text("start_month")));
     year_->setText(qt(p.text("start_year")));
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 // ---- ab_events ----------------------------------------------------------------------------------
@@ -612,9 +577,7 @@ void EventsWindow::open(const Hit& hit) {
 }
 
 void EventsWindow::enter() {
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 void EventsWindow::place_mode_changed() {

@@ -5,6 +5,7 @@
 #include "screens/chart_commands.h"
 #include "screens/widgets/chart_window.h"
 #include "screens/widgets/desktop.h"
+#include "screens/widgets/page_display.h"
 #include "session/session.h"
 #include "session/text.h"
 
@@ -17,13 +18,13 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPrinter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <tuple>
 
 namespace celestark::screens {
 
@@ -75,13 +76,23 @@ SimilarsWindow::SimilarsWindow(Desktop& desktop, SimilarsScreen& model)
             controls_[name] = radio;
         }
     };
-    const auto check = [&](QGroupBox* box, QLayout* into, const char* name) {
+    const auto toggle = [&](QGroupBox* box, const char* name) {
         QCheckBox* c = make_check(box, name, caption_of(name));
         const std::string n = name;
         connect(c, &QCheckBox::toggled, this,
                 [changed, n](bool on) { changed(n, on ? "1" : "0"); });
-        into->addWidget(c);
         controls_[n] = c;
+        return c;
+    };
+    const auto check = [&](QGroupBox* box, QLayout* into, const char* name) {
+        into->addWidget(toggle(box, name));
+    };
+    // A frame that begins with the radio buttons of `field`; the rest of it follows them.
+    const auto radio_frame = [&](const char* name, const char* title, const char* field) {
+        auto* box = make_group(this, name, title);
+        auto* into = new QVBoxLayout(box);
+        radios(box, into, field);
+        return std::pair{box, into};
     };
     const auto orb = [&](QGroupBox* box, QVBoxLayout* into, const char* degs, const char* mins,
                          const char* hits) {
@@ -113,25 +124,17 @@ SimilarsWindow::SimilarsWindow(Desktop& desktop, SimilarsScreen& model)
 
     // The world view, the charts and the list.
     auto* top = new QHBoxLayout;
-    auto* views = make_group(this, "frame_world_view", "World view");
-    auto* vl = new QVBoxLayout(views);
-    radios(views, vl, "similars_world_view");
-    vl->addStretch(1);
-    top->addWidget(views);
-    auto* charts = make_group(this, "frame_epoch", "Charts");
-    auto* cl = new QVBoxLayout(charts);
-    radios(charts, cl, "similars_epoch");
-    cl->addStretch(1);
-    top->addWidget(charts);
-    auto* lists = make_group(this, "frame_option", "List");
-    auto* ll = new QVBoxLayout(lists);
-    radios(lists, ll, "similars_option");
-    ll->addStretch(1);
-    top->addWidget(lists);
+    for (const auto& [name, title, field] :
+         {std::tuple{"frame_world_view", "World view", "similars_world_view"},
+          {"frame_epoch", "Charts", "similars_epoch"},
+          {"frame_option", "List", "similars_option"}}) {
+        const auto [box, into] = radio_frame(name, title, field);
+        into->addStretch(1);
+        top->addWidget(box);
+    }
 
-    auto* planets = make_group(this, "frame_planets", "Similar planetary positions");
-    auto* pl = new QVBoxLayout(planets);
-    radios(planets, pl, "similars_planets");
+    const auto [planets, pl] =
+        radio_frame("frame_planets", "Similar planetary positions", "similars_planets");
     check(planets, pl, "planets_aspect_set");
     aspects_ = make_list(planets, "aspect_set");
     aspects_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
@@ -145,40 +148,30 @@ SimilarsWindow::SimilarsWindow(Desktop& desktop, SimilarsScreen& model)
     layout->addLayout(top);
 
     auto* middle = new QHBoxLayout;
-    auto* similar = make_group(this, "frame_similar", "Similar charts");
-    auto* sl = new QVBoxLayout(similar);
-    radios(similar, sl, "similars_similar");
+    const auto [similar, sl] = radio_frame("frame_similar", "Similar charts", "similars_similar");
     orb(similar, sl, "similar_orb_degs", "similar_orb_mins", "similar_hits");
     sl->addStretch(1);
     middle->addWidget(similar);
-    auto* same = make_group(this, "frame_same", "Same constellation, decan or house");
-    auto* ml = new QVBoxLayout(same);
-    radios(same, ml, "similars_same");
+    const auto [same, ml] =
+        radio_frame("frame_same", "Same constellation, decan or house", "similars_same");
     for (const char* box : {"in_constellation", "in_decan", "in_house"}) check(same, ml, box);
     ml->addStretch(1);
     middle->addWidget(same);
-    auto* elements = make_group(this, "frame_elements", "Heliocentric elements");
-    auto* el = new QVBoxLayout(elements);
-    radios(elements, el, "similars_elements");
+    const auto [elements, el] =
+        radio_frame("frame_elements", "Heliocentric elements", "similars_elements");
     orb(elements, el, "orb_elements_degs", "orb_elements_mins", nullptr);
     auto* eg = new QGridLayout;
     int k = 0;
     for (const char* box :
          {"elements_nodes", "elements_apsides", "nodes_square", "apsides_square"}) {
-        QCheckBox* c = make_check(elements, box, caption_of(box));
-        const std::string n = box;
-        connect(c, &QCheckBox::toggled, this,
-                [changed, n](bool on) { changed(n, on ? "1" : "0"); });
-        eg->addWidget(c, k % 2, k / 2);
-        controls_[n] = c;
+        eg->addWidget(toggle(elements, box), k % 2, k / 2);
         ++k;
     }
     el->addLayout(eg);
     el->addStretch(1);
     middle->addWidget(elements);
-    auto* angles = make_group(this, "frame_angles", "Similar angular separations");
-    auto* al = new QVBoxLayout(angles);
-    radios(angles, al, "similars_angles");
+    const auto [angles, al] =
+        radio_frame("frame_angles", "Similar angular separations", "similars_angles");
     orb(angles, al, "angles_orb_degs", "angles_orb_mins", nullptr);
     check(angles, al, "complementary");
     al->addStretch(1);
@@ -231,30 +224,16 @@ SimilarsWindow::SimilarsWindow(Desktop& desktop, SimilarsScreen& model)
     }
     layout->addLayout(panels);
 
-    auto* buttons = new QHBoxLayout;
-    auto* display = make_button(this, "sim_display", "DISPLAY");
-    auto* print = make_button(this, "sim_print", "PRINT");
-    auto* exit = make_button(this, "sim_exit", "EXIT");
-    display->setDefault(true);
-    buttons->addWidget(display);
-    buttons->addWidget(print);
-    buttons->addStretch(1);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    connect(display, &QPushButton::clicked, this, [this] { run(false); });
-    connect(print, &QPushButton::clicked, this, [this] { run(true); });
-    connect(exit, &QPushButton::clicked, this, [this] { hide(); });
+    layout->addLayout(run_buttons(this, [this](bool printing) { run(printing); },
+                                  {"sim_display", "sim_print", "sim_exit"}));
 }
 
 void SimilarsWindow::open(int event_row) {
     Session& s = session();
     model_.open(s, event_row);
     filling_ = true;
-    aspects_->clear();
-    for (const std::string& name : stored_aspect_set_names(s, 68, "Similars Aspect Set-Got Focus"))
-        aspects_->addItem(qt(name));
-    const QString set = qt(model_.params().text("aspect_set"));
-    if (aspects_->findText(set) < 0) aspects_->addItem(set);
+    fill_list(aspects_, stored_aspect_set_names(s, 68, "Similars Aspect Set-Got Focus"),
+              qt(model_.params().text("aspect_set")));
     filling_ = false;
     const EventRow& row = s.event_slots[event_row];
     event_->setText(
@@ -267,9 +246,7 @@ void SimilarsWindow::open(int event_row) {
 }
 
 void SimilarsWindow::enter() {
-    show();
-    raise();
-    activateWindow();
+    bring_to_front(this);
 }
 
 void SimilarsWindow::refresh() {
@@ -351,28 +328,17 @@ SimilarsDisplay::SimilarsDisplay(Desktop& desktop, SimilarsScreen& model, Simila
         if (pages_ && isVisible()) draw();
     });
     layout->addWidget(canvas_, 1);
-    auto* buttons = new QHBoxLayout;
     auto* next = make_button(this, "similars_continue", "Continue");
     auto* restart = make_button(this, "similars_restart", "Restart");
     auto* print = make_button(this, "similars_print", "Print");
     auto* menu_button = make_button(this, "similars_menu", "Menu");
     auto* exit = make_button(this, "similars_exit", "Exit");
-    state_ = make_label(this, "similars_state");
-    done_ = new QProgressBar(this);
-    done_->setObjectName("similars_progress");
-    done_->setRange(0, 1000);
+    done_ = make_page_progress(this, "similars_progress", 1000);
     done_->setTextVisible(false);
-    done_->setMaximumWidth(220);
     cancel_ = make_button(this, "similars_cancel", "CANCEL");
     cancel_->setEnabled(false);
-    for (QPushButton* b : {next, restart, print, menu_button}) buttons->addWidget(b);
-    buttons->addSpacing(12);
-    buttons->addWidget(state_, 1);
-    buttons->addWidget(done_);
-    buttons->addWidget(cancel_);
-    buttons->addWidget(exit);
-    layout->addLayout(buttons);
-    next->setDefault(true);
+    state_ = add_page_foot(this, layout, {next, restart, print, menu_button}, "similars_state",
+                           {done_, cancel_}, exit, next);
 
     connect(next, &QPushButton::clicked, this, [this] { next_page(); });
     connect(restart, &QPushButton::clicked, this, [this] {
@@ -380,10 +346,7 @@ SimilarsDisplay::SimilarsDisplay(Desktop& desktop, SimilarsScreen& model, Simila
     });
     connect(print, &QPushButton::clicked, this, [this] { print_all(); });
     connect(cancel_, &QPushButton::clicked, this, [this] { cancel_pressed_ = true; });
-    connect(menu_button, &QPushButton::clicked, this, [this] {
-        hide();
-        menu_.enter();
-    });
+    connect_menu_button(menu_button, this, [this] { menu_.enter(); });
     connect(exit, &QPushButton::clicked, this, [this] { hide(); });
     resize(1200, 860);
 }
@@ -391,11 +354,7 @@ SimilarsDisplay::SimilarsDisplay(Desktop& desktop, SimilarsScreen& model, Simila
 SimilarsDisplay::~SimilarsDisplay() = default;
 
 void SimilarsDisplay::show_run() {
-    // The window stands before the first page so that the page has its size.
-    if (!isVisible()) {
-        show();
-        layout()->activate();
-    }
+    stand_before_first_page(this);
     const SimilarsRun& run = model_.run();
     pages_ = std::make_unique<drawing::SimilarsPages>(desktop().drawing(), run.head(),
                                                       similars_columns(run.list()));
@@ -454,14 +413,11 @@ bool SimilarsDisplay::print_all() {
     Session& s = session();
     if (!paper_run.start(s, m.params(), m.event_row(), similars_option_tables(s), sink()))
         return false;
-    desktop().printer().setPageOrientation(QPageLayout::Portrait);
-    const bool printed = desktop().print([&] {
-        drawing::Surface* paper = desktop().canvases().printer;
-        if (!paper || !paper->setup_dialog()) return false;
+    return print_portrait(desktop(), "Similars", [&](drawing::Surface& paper) {
         drawing::SimilarsPages pages(desktop().drawing(), paper_run.head(),
                                      similars_columns(paper_run.list()));
         s.drawing.printing = true;
-        paper->begin_document();
+        paper.begin_document();
         DisplayProgress progress(*this, sink(), paper_run.rows_total());
         int page = 0;
         do {
@@ -470,15 +426,13 @@ bool SimilarsDisplay::print_all() {
             for (const SimilarLine& l : paper_run.next(s, per_page, progress))
                 cells.push_back(similars_cells(paper_run.list(), l));
             if (page > 0 && cells.empty()) break;
-            if (page > 0) paper->end_page();
+            if (page > 0) paper.end_page();
             pages.draw_page(++page, cells);
         } while (!paper_run.finished());
-        paper->end_document();
+        paper.end_document();
         s.drawing.printing = false;
         return true;
     });
-    session().drawing.display_target = "Similars";
-    return printed;
 }
 
 // ---- the command --------------------------------------------------------------------------------

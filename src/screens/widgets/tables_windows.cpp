@@ -1,12 +1,11 @@
 // The analysis database and ephemeris export windows.
 #include "screens/widgets/tables_windows.h"
 
+#include "screens/widgets/database_chooser.h"
 #include "screens/widgets/desktop.h"
 
 #include <QButtonGroup>
 #include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -23,10 +22,6 @@
 namespace celestark::screens {
 
 namespace {
-
-QString shown_folder(const std::string& folder) {
-    return QDir::toNativeSeparators(QDir::cleanPath(qt(folder)));
-}
 
 QLabel* wrapped_text(QWidget* parent, const char* text) {
     auto* label = new QLabel(text, parent);
@@ -70,42 +65,28 @@ class BarSink : public MessageSink {
 
 AnalysisWindow::AnalysisWindow(Desktop& desktop)
     : CelestarkWindow(desktop, "ALLDATA", "CREATE THE CELESTARK ANALYSIS DATABASE"),
-      chooser_([](QWidget* parent, const QString& start) {
-          return QFileDialog::getExistingDirectory(
-              parent, "Choose the folder of the event databases", start);
-      }) {
+      chooser_(choose_folder_dialog) {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(wrapped_text(this, analysis_screen_text));
 
     auto* columns = new QHBoxLayout;
-    auto* databases = make_group(this, "analysis_databases", "EVENT DATABASES");
-    auto* dbl = new QVBoxLayout(databases);
-    auto* folder_row = new QHBoxLayout;
-    folder_row->addWidget(new QLabel("Folder:", databases));
-    folder_ = make_field(databases, "analysis_dir");
-    folder_row->addWidget(folder_, 1);
-    auto* browse = make_button(databases, "analysis_drive", "CHOOSE FOLDER...");
-    folder_row->addWidget(browse);
-    dbl->addLayout(folder_row);
-    dbl->addWidget(new QLabel("Databases of the folder (click one):", databases));
-    files_ = make_list_box(databases, "analysis_files");
-    files_->setMinimumHeight(160);
-    dbl->addWidget(files_, 1);
-    columns->addWidget(databases, 3);
+    const FolderFrame folder =
+        make_folder_frame(this,
+                          {"analysis_databases", "analysis_dir", "analysis_drive", "analysis_files",
+                           "Databases of the folder (click one):"},
+                          160);
+    folder_ = folder.folder;
+    files_ = folder.files;
+    columns->addWidget(folder.group, 3);
 
-    auto* tables = make_group(this, "analysis_table_group", "TABLES");
-    auto* tl = new QVBoxLayout(tables);
-    tl->addWidget(new QLabel("Tables of the database (click one):", tables));
-    tables_ = make_list_box(tables, "analysis_tables");
-    tables_->setMinimumHeight(160);
-    tl->addWidget(tables_, 1);
-    auto* chosen = new QHBoxLayout;
-    chosen->addWidget(new QLabel("Selected table:", tables));
-    sel_table_ = make_field(tables, "analysis_sel_table");
-    sel_table_->setReadOnly(true);
-    chosen->addWidget(sel_table_, 1);
-    tl->addLayout(chosen);
-    columns->addWidget(tables, 2);
+    const TableFrame table =
+        make_table_frame(this,
+                         {"analysis_table_group", "analysis_tables", "analysis_sel_table",
+                          "Tables of the database (click one):"},
+                         160);
+    tables_ = table.tables;
+    sel_table_ = table.selected;
+    columns->addWidget(table.group, 2);
     layout->addLayout(columns, 1);
 
     auto* commands = new QHBoxLayout;
@@ -138,14 +119,9 @@ AnalysisWindow::AnalysisWindow(Desktop& desktop)
     bottom->addWidget(exit);
     layout->addLayout(bottom);
 
-    connect(folder_, &QLineEdit::editingFinished, this, [this] {
-        if (folder_->text() != shown_folder(screen_.choice.db_dir)) choose_folder(folder_->text());
-    });
-    connect(browse, &QPushButton::clicked, this, [this] {
-        const QString f =
-            chooser_ ? chooser_(this, shown_folder(screen_.choice.db_dir)) : QString();
-        if (!f.isEmpty()) choose_folder(f);
-    });
+    connect_folder_choice(
+        this, folder, &chooser_, [this] { return shown_folder(screen_.choice.db_dir); },
+        [this](const QString& f) { choose_folder(f); });
     connect(files_, &QListWidget::itemClicked, this, [this](QListWidgetItem* i) { pick_file(i); });
     connect(tables_, &QListWidget::itemClicked, this,
             [this](QListWidgetItem* i) { pick_table(i); });
@@ -181,24 +157,18 @@ void AnalysisWindow::enter() {
 
 void AnalysisWindow::show_state() {
     folder_->setText(shown_folder(screen_.choice.db_dir));
-    files_->clear();
-    for (const std::string& f : screen_.choice.db_files) files_->addItem(qt(f));
+    list_lines(files_, screen_.choice.db_files);
     for (int i = 0; i < files_->count(); ++i)
         if (files_->item(i)->text().toStdString() == screen_.choice.sel_file)
             files_->setCurrentRow(i);
-    tables_->clear();
-    for (const std::string& t : screen_.choice.table_list) tables_->addItem(qt(t));
+    list_lines(tables_, screen_.choice.table_list);
     sel_table_->setText(qt(screen_.choice.sel_table));
     no_events_->setText(QString::number(screen_.no_events));
 }
 
 void AnalysisWindow::choose_folder(const QString& folder) {
-    const QString path = folder.trimmed();
-    if (path.isEmpty() || !QFileInfo(path).isDir()) {
-        sink().message("FOLDER NOT FOUND",
-                       "There is no folder " +
-                           (path.isEmpty() ? "of that name" : path.toStdString()),
-                       MessageIcon::exclamation);
+    const QString path = existing_folder(folder, sink());
+    if (path.isEmpty()) {
         folder_->setText(shown_folder(screen_.choice.db_dir));
         return;
     }
@@ -209,8 +179,7 @@ void AnalysisWindow::choose_folder(const QString& folder) {
 void AnalysisWindow::pick_file(QListWidgetItem* item) {
     if (!item) return;
     pick_analysis_database(screen_, item->text().toStdString(), sink());
-    tables_->clear();
-    for (const std::string& t : screen_.choice.table_list) tables_->addItem(qt(t));
+    list_lines(tables_, screen_.choice.table_list);
     sel_table_->clear();
 }
 

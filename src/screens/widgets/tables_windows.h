@@ -2,6 +2,7 @@
 // The windows `ALLDATA` (CREATE THE CELESTARK ANALYSIS DATABASE) and `EPHEMERIS_TO_FILE` (SAVE
 // EPHEMERIS TO DISK).
 #include "screens/tables_screens.h"
+#include "screens/widgets/database_chooser.h"
 #include "screens/widgets/window_support.h"
 
 #include <functional>
@@ -23,9 +24,7 @@ class AnalysisWindow : public CelestarkWindow {
     explicit AnalysisWindow(Desktop& desktop);
     void enter();
     // The folder dialog behind the browse button (a QFileDialog unless replaced).
-    void set_folder_chooser(std::function<QString(QWidget*, const QString&)> chooser) {
-        chooser_ = std::move(chooser);
-    }
+    void set_folder_chooser(FolderChooser chooser) { chooser_ = std::move(chooser); }
     const AnalysisScreen& screen() const { return screen_; }
 
   private:
@@ -35,7 +34,7 @@ class AnalysisWindow : public CelestarkWindow {
     void show_state();
 
     AnalysisScreen screen_;
-    std::function<QString(QWidget*, const QString&)> chooser_;
+    FolderChooser chooser_;
     QLineEdit* folder_ = nullptr;
     QListWidget* files_ = nullptr;
     QListWidget* tables_ = nullptr;

@@ -97,6 +97,17 @@ QComboBox* make_list(QWidget* parent, const char* name, bool editable) {
     return c;
 }
 
+void list_lines(QListWidget* list, const std::vector<std::string>& lines) {
+    list->clear();
+    for (const std::string& line : lines) list->addItem(qt(line));
+}
+
+void fill_list(QComboBox* list, const std::vector<std::string>& names, const QString& current) {
+    list->clear();
+    for (const std::string& name : names) list->addItem(qt(name));
+    if (list->findText(current) < 0) list->addItem(current);
+}
+
 QListWidget* make_list_box(QWidget* parent, const char* name) {
     auto* l = new QListWidget(parent);
     l->setObjectName(name);

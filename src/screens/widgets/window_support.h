@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include <string>
+#include <vector>
 
 class QCheckBox;
 class QComboBox;
@@ -58,6 +59,10 @@ QRadioButton* make_radio(QWidget* parent, const char* name, const QString& capti
 QCheckBox* make_check(QWidget* parent, const char* name, const QString& caption);
 QComboBox* make_list(QWidget* parent, const char* name, bool editable = false);
 QListWidget* make_list_box(QWidget* parent, const char* name);
+// Shows `lines` in a list box, in place of what it held.
+void list_lines(QListWidget* list, const std::vector<std::string>& lines);
+// Fills a list with `names`, and with `current` after them when it is not one of them.
+void fill_list(QComboBox* list, const std::vector<std::string>& names, const QString& current);
 QGroupBox* make_group(QWidget* parent, const char* name, const QString& caption);
 
 } // namespace celestark::screens
