@@ -371,6 +371,19 @@ const DoubleCommand* find_double_command(const std::string& name) {
 
 namespace {
 
+// Whether the card chosen to compare with holds an event; the box says so when it does not.
+bool compared_event_present(const Session& s, int slot_number, MessageSink& sink) {
+    if (slot_number >= slot::first_user && slot_number <= slot::last_user &&
+        !slot_is_empty(s.event_slots[slot_number]))
+        return true;
+    sink.message("NO EVENT",
+                 "Event " + std::to_string(slot_number) +
+                     " holds no event to compare with. Choose a card with Compare, or put an "
+                     "event into it.",
+                 MessageIcon::information);
+    return false;
+}
+
 // The epoch row of a user slot, rebuilt from its stored epoch; 0 with the message when the slot
 // has none.
 int epoch_row_of(Session& s, int slot, MessageSink& sink) {
@@ -394,15 +407,7 @@ bool double_chart_request(Session& s, const DoubleCommand& command, int compare_
     if (!active_event_present(s, sink)) return false;
     const bool compared =
         command.outer == DoubleOuter::compare || command.outer == DoubleOuter::compare_epoch;
-    if (compared && (compare_slot < slot::first_user || compare_slot > slot::last_user ||
-                     slot_is_empty(slots[compare_slot]))) {
-        sink.message("NO EVENT",
-                     "Event " + std::to_string(compare_slot) +
-                         " holds no event to compare with. Choose a card with Compare, or put an "
-                         "event into it.",
-                     MessageIcon::information);
-        return false;
-    }
+    if (compared && !compared_event_present(s, compare_slot, sink)) return false;
     int inner = active;
     if (command.inner == DoubleInner::epoch && !(inner = epoch_row_of(s, active, sink)))
         return false;
@@ -598,15 +603,7 @@ ChartPrintSelection chart_print_selection(const std::vector<std::string>& ticked
 }
 
 bool chart_print_request(Session& s, bool epoch, int compare_slot, MessageSink& sink) {
-    if (compare_slot != 0 && (compare_slot < slot::first_user || compare_slot > slot::last_user ||
-                              slot_is_empty(s.event_slots[compare_slot]))) {
-        sink.message("NO EVENT",
-                     "Event " + std::to_string(compare_slot) +
-                         " holds no event to compare with. Choose a card with Compare, or put an "
-                         "event into it.",
-                     MessageIcon::information);
-        return false;
-    }
+    if (compare_slot != 0 && !compared_event_present(s, compare_slot, sink)) return false;
     const ChartCommand series{"print_event_charts", "geo1", "Geocentric",
                               epoch ? CommandEvents::epoch : CommandEvents::active,
                               "Print charts of the event"};
