@@ -163,16 +163,24 @@ bool prepare_predict(const Options& o, const fs::path& folder, Prepared& prepare
         error);
 }
 
+// A predictive run prepared in a program folder of its own, which lives as long as the run.
+struct PreparedRun {
+    ProgramFolder folder;
+    std::unique_ptr<Prepared> prepared = std::make_unique<Prepared>();
+    PredictiveParameters p;
+};
+bool prepare_run(const Options& o, PreparedRun& r, std::string& error) {
+    return r.folder.prepare(error) && prepare_predict(o, r.folder.path(), *r.prepared, r.p, error);
+}
+
 } // namespace
 
 int command_predict(const Options& o) {
     std::string error;
-    ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
-    auto prepared = std::make_unique<Prepared>();
-    PredictiveParameters p;
-    if (!prepare_predict(o, folder.path(), *prepared, p, error)) return fail(error);
-    Session& s = prepared->s;
+    PreparedRun prep;
+    if (!prepare_run(o, prep, error)) return fail(error);
+    Session& s = prep.prepared->s;
+    PredictiveParameters& p = prep.p;
     std::string report_path;
     if (const auto it = o.find("report"); it != o.end()) {
         report_path = it->second;
@@ -198,7 +206,7 @@ int command_predict(const Options& o) {
         paper.end_document();
         g.d.printing = false;
     }
-    if (outcome == RunOutcome::refused || prepared->fatal) return 1;
+    if (outcome == RunOutcome::refused || prep.prepared->fatal) return 1;
     std::printf("jd_ut,date,time,kind,moving,radical,aspect_deg,text\n");
     for (const Hit& h : list.rows) {
         const ReportDate d = report_date(s, h.life_date);
@@ -381,12 +389,10 @@ int command_bench_run(const Options& o) {
         return fail("--what must be bodies, chart, render, run-transits or run-biography");
     }
     std::string error;
-    ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
-    auto prepared = std::make_unique<Prepared>();
-    PredictiveParameters p;
-    if (!prepare_predict(run, folder.path(), *prepared, p, error)) return fail(error);
-    Session& s = prepared->s;
+    PreparedRun prep;
+    if (!prepare_run(run, prep, error)) return fail(error);
+    Session& s = prep.prepared->s;
+    PredictiveParameters& p = prep.p;
     s.predictive.use_fits = o.count("direct") == 0;
     // The rows are counted, not kept: the run is measured, not a list of a third of a million.
     class Counter : public HitPrinter {

@@ -43,6 +43,8 @@
 //   penumbral_magnitude  Moon only
 // Rows in order of time, the Sun's and the Moon's mixed.
 
+#include "reference_args.h"
+
 #include <swephexp.h>
 
 #include <algorithm>
@@ -55,7 +57,6 @@
 
 namespace {
 
-constexpr const char* default_ephemeris_dir = "/usr/share/libswe/ephe";
 constexpr double au_km = 149597870.7;
 constexpr double earth_radius_km = 6378.137;
 constexpr double moon_radius_earths = 0.2722810;
@@ -197,26 +198,10 @@ void lunar(double from, double to, std::vector<Row>& rows) {
     }
 }
 
-[[noreturn]] void usage() {
-    std::fprintf(stderr, "usage: make_eclipse_reference --out FILE [--ephe DIR]\n");
-    std::exit(2);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    std::string out, ephemeris = default_ephemeris_dir;
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view arg = argv[i];
-        if (arg == "--out" && i + 1 < argc)
-            out = argv[++i];
-        else if (arg == "--ephe" && i + 1 < argc)
-            ephemeris = argv[++i];
-        else
-            usage();
-    }
-    if (out.empty()) usage();
-    swe_set_ephe_path(ephemeris.c_str());
+    const std::string out = reference::output_file(argc, argv, "make_eclipse_reference");
 
     const double from = swe_julday(1600, 1, 1, 0, SE_GREG_CAL);
     const double to = swe_julday(2400, 1, 1, 0, SE_GREG_CAL);

@@ -41,6 +41,8 @@
 // Events are bracketed on a step of a quarter day, the step split at the stations of the body
 // (found by bisection on the speed), and each root refined by bisection to below 0.01 s.
 
+#include "reference_args.h"
+
 #include <swephexp.h>
 
 #include <algorithm>
@@ -53,7 +55,6 @@
 
 namespace {
 
-constexpr const char* default_ephemeris_dir = "/usr/share/libswe/ephe";
 constexpr double bracket_step = 0.25;   // days
 constexpr double root_tolerance = 1e-7; // days: 0.0086 s
 constexpr double margin = 10.0;         // days listed beyond each span
@@ -250,26 +251,10 @@ void sky(std::vector<Row>& rows) {
     }
 }
 
-[[noreturn]] void usage() {
-    std::fprintf(stderr, "usage: make_transit_reference --out FILE [--ephe DIR]\n");
-    std::exit(2);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    std::string out, ephemeris = default_ephemeris_dir;
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view arg = argv[i];
-        if (arg == "--out" && i + 1 < argc)
-            out = argv[++i];
-        else if (arg == "--ephe" && i + 1 < argc)
-            ephemeris = argv[++i];
-        else
-            usage();
-    }
-    if (out.empty()) usage();
-    swe_set_ephe_path(ephemeris.c_str());
+    const std::string out = reference::output_file(argc, argv, "make_transit_reference");
 
     std::vector<Row> rows;
     for (const Birth& b : births) transits(b, rows);
