@@ -163,6 +163,12 @@ bool prepare_predict(const Options& o, const fs::path& folder, Prepared& prepare
         error);
 }
 
+// A session on the program's default event, in a program folder of its own.
+bool prepare_default_session(ProgramFolder& folder, Prepared& prepared, std::string& error) {
+    return folder.prepare(error) &&
+           prepare_session({{"default-event", ""}}, folder.path(), prepared, error);
+}
+
 // A predictive run prepared in a program folder of its own, which lives as long as the run.
 struct PreparedRun {
     ProgramFolder folder;
@@ -264,10 +270,8 @@ int command_eclipses(const Options& o) {
 int command_phenomena(const Options& o) {
     std::string error;
     ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
     auto prepared = std::make_unique<Prepared>();
-    if (!prepare_session({{"default-event", ""}}, folder.path(), *prepared, error))
-        return fail(error);
+    if (!prepare_default_session(folder, *prepared, error)) return fail(error);
     Session& s = prepared->s;
     PhenomenaParameters p = phenomena_defaults(s);
     for (const auto& [option, control] : {std::pair{"from-year", "start"}, {"to-year", "end_year"}})
@@ -318,10 +322,8 @@ int command_ephemeris(const Options& o) {
     const std::string gj = span[0][0] * 12 + span[0][1] >= 1582 * 12 + 10 ? "G" : "J";
     std::string error;
     ProgramFolder folder;
-    if (!folder.prepare(error)) return fail(error);
     auto prepared = std::make_unique<Prepared>();
-    if (!prepare_session({{"default-event", ""}}, folder.path(), *prepared, error))
-        return fail(error);
+    if (!prepare_default_session(folder, *prepared, error)) return fail(error);
     Session& s = prepared->s;
     if (const auto out = o.find("out"); out != o.end()) {
         if (to_upper(fs::path(out->second).extension().string()) != ".PDF")

@@ -18,6 +18,8 @@
 #include "session/positions.h"
 #include "session/session.h"
 
+#include "../support/csv_rows.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,14 +55,7 @@ struct Reference {
 
 std::vector<Reference> read_reference() {
     std::vector<Reference> rows;
-    std::ifstream in(std::string(CELESTARK_TEST_DATA) + "/eclipse_reference.csv");
-    std::string line;
-    std::getline(in, line); // header
-    while (std::getline(in, line)) {
-        std::vector<std::string> cells;
-        std::istringstream fields(line);
-        for (std::string cell; std::getline(fields, cell, ',');) cells.push_back(cell);
-        cells.resize(9);
+    for (const auto& cells : testing::csv_rows("eclipse_reference.csv", 9)) {
         Reference r;
         r.kind = cells[0];
         r.type = cells[1];

@@ -17,6 +17,8 @@
 #include "session/session.h"
 #include "session/zones.h"
 
+#include "../support/csv_rows.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -66,14 +68,7 @@ struct Group {
 
 std::map<std::string, Group> read_reference() {
     std::map<std::string, Group> groups;
-    std::ifstream in(std::string(CELESTARK_TEST_DATA) + "/transit_reference.csv");
-    std::string line;
-    std::getline(in, line); // header
-    while (std::getline(in, line)) {
-        std::vector<std::string> cells;
-        std::istringstream fields(line);
-        for (std::string cell; std::getline(fields, cell, ',');) cells.push_back(cell);
-        cells.resize(8);
+    for (const auto& cells : testing::csv_rows("transit_reference.csv", 8)) {
         Group& g = groups[cells[0]];
         const std::string& kind = cells[1];
         const double jd = std::stod(cells[2]);
